@@ -1,0 +1,37 @@
+// The four models of the series. This table is the only place that knows them.
+//
+// A row's position is also the column of the model's radio button on the page, so the order is binding.
+
+#pragma once
+
+#include <array>
+#include <cstddef>
+
+struct CatalogRow {
+    const char* modelName;          ///< Five characters; used everywhere inside the program.
+    const char* numberPart;         ///< The last three characters of the model name.
+    const char* acceptedTexts[4];   ///< IEEE 1284 MDL values of the model; compared whole, case-sensitively.
+    const char* ppdFileName;        ///< Value of the PPD attribute PCFileName in the model's print queues.
+    const char* modelNameAndBlank;  ///< The model name and one blank: how a hand-off line begins.
+};
+
+inline constexpr std::size_t modelCount = 4;
+
+inline constexpr std::array<CatalogRow, modelCount> modelCatalog{{
+    {"KV210", "210", {"TVK KV210", "TVK KV210N", "KV210", "KV210N"}, "KV210.PPD", "KV210 "},
+    {"KV260", "260", {"TVK KV260", "TVK KV260N", "KV260", "KV260N"}, "KV260.PPD", "KV260 "},
+    {"KV410", "410", {"TVK KV410", "TVK KV410N", "KV410", "KV410N"}, "KV410.PPD", "KV410 "},
+    {"KV460", "460", {"TVK KV460", "TVK KV460N", "KV460", "KV460N"}, "KV460.PPD", "KV460 "},
+}};
+
+/// Whether a model text reported by a printer belongs to the series. Writes the text to standard output.
+/// `model` is NUL-terminated and not null. Any thread.
+[[nodiscard]] bool IsQuazel(const char* model);
+
+/// The model name of an accepted model text: the first row whose number part occurs in it, or null for a text
+/// that IsQuazel does not accept. Any thread.
+[[nodiscard]] const char* modelNameOfAcceptedText(const char* model);
+
+/// Whether a value of the PPD attribute PCFileName is one of the series' four, byte for byte; null is not.
+/// Any thread.
+[[nodiscard]] bool isSeriesPpdFileName(const char* value);

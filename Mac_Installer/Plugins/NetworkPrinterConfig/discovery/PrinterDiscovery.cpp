@@ -1,0 +1,96 @@
+#include "discovery/PrinterDiscovery.h"
+
+#include "discovery/DeviceId.h"
+#include "discovery/ModelCatalog.h"
+#include "discovery/ProbeCollection.h"
+#include "discovery/SnmpRequests.h"
+#include "discovery/UdpSocket.h"
+#include "handoff/DiagnosticLog.h"
+
+#include <sys/time.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <optional>
+
+std::shared_ptr<QStringList> g_PrinterList;
+
+namespace {
+
+int listCount() {
+    return static_cast<int>(g_PrinterList->count());
+}
+
+/// Sends the device id request and waits at most one second for a datagram, from whoever it comes. Returns
+/// its size, or -1 with errno set.
+ssize_t askForDeviceId(in_addr responder, std::span<char> reply) {
+    const UdpSocket socket;
+    sockaddr_in address = socketAddress(responder, snmpPort);
+    socklen_t addressLength = sizeof(address);
+    const timeval oneSecond{1, 0};
+    ::setsockopt(socket.descriptor(), SOL_SOCKET, SO_RCVTIMEO, &oneSecond, sizeof(oneSecond));
+    ::sendto(socket.descriptor(), deviceIdRequest.data(), deviceIdRequest.size(), 0,
+             reinterpret_cast<const sockaddr*>(&address), addressLength);
+    tDebugPrint("Waiting for receive from 2@@@ \n");
+    tDebugPrint("IP address is: %s\n", dottedDecimal(responder).data());
+    return ::recvfrom(socket.descriptor(), reply.data(), reply.size(), 0,
+                      reinterpret_cast<sockaddr*>(&address), &addressLength);
+}
+
+void examineResponder(in_addr responder) {
+    std::array<char, maximumReplySize> reply{};
+    const ssize_t received = askForDeviceId(responder, reply);
+    if (received < 0) {
+        const int error = errno;
+        std::perror("recev");
+        tDebugPrint("Cant able to receive anything %s\n", std::strerror(error));
+        return;
+    }
+    addPrinterOfReply(std::span(reply).first(static_cast<std::size_t>(received)), responder);
+}
+
+}  // namespace
+
+void addPrinterOfReply(std::span<const char> reply, in_addr responder) {
+    const std::optional<DeviceIdText> text = findDeviceIdText(reply);
+    if (!text) {
+        return;
+    }
+    const PrinterInfo info = parseDeviceId(*text);
+    if (!IsQuazel(info.szModel)) {
+        return;
+    }
+    std::array<char, 256> entryText{};
+    std::snprintf(entryText.data(), entryText.size(), "Tovik %s @%s\n", modelNameOfAcceptedText(info.szModel),
+                  dottedDecimal(responder).data());
+    tDebugPrint("Response is %s\n", info.szModel);
+    const QString entry = QString::fromUtf8(entryText.data());
+    if (!g_PrinterList->contains(entry)) {
+        g_PrinterList->append(entry);
+    }
+    tDebugPrint("Count Inside Is %d\n", listCount());
+    tDebugPrint("Printer manufacture is %s\n", info.szManufacturer);
+    tDebugPrint("Printer modal is %s\n", info.szModel);
+}
+
+void GetTovikQuazelPrinters() {
+    GetTovikQuazelPrinters(std::stop_token());
+}
+
+void GetTovikQuazelPrinters(const std::stop_token& leaving) {
+    tDebugPrint("GetTovikQuazelPrinters\n");
+    errno = 0;
+    g_PrinterList = std::make_shared<QStringList>();
+    g_PrinterList->append(QStringLiteral("Enter IP Address Manually\n"));
+
+    ResponderTable responders;
+    collectResponders(responders, leaving);
+
+    tDebugPrint("Total Printers avialable in the Network %d\n", responders.count);
+    for (std::int32_t index = 0; index < responders.count && !leaving.stop_requested(); ++index) {
+        examineResponder(responders.entries[static_cast<std::size_t>(index)].address);
+    }
+    tDebugPrint("Returning to UI**\n");
+}

@@ -1,0 +1,32 @@
+// Finds the series' printers on the local networks: an SNMPv1 probe to the all-hosts group from every local
+// IPv4 address, then to each responder a request for its IEEE 1284 device id (PWG 5107.1), one at a time.
+//
+// How long a run takes: Timeout per local address at least, restarted by every datagram, and up to one second
+// per responder. At most 256 responders are asked.
+
+#pragma once
+
+#include <QStringList>
+
+#include <netinet/in.h>
+
+#include <memory>
+#include <span>
+#include <stop_token>
+
+/// The printers of the last run, null until the first: "Enter IP Address Manually\n", then one "Tovik %s
+/// @%s\n" a printer (model name, dotted decimal address), each ending in a line feed, none twice. Replaced by
+/// each run; nobody reads it while one is in progress.
+extern std::shared_ptr<QStringList> g_PrinterList;
+
+/// One run. Blocks; nothing is reported but the list and the diagnostic log. Any thread, one run at a time.
+void GetTovikQuazelPrinters();
+
+/// The same, for a caller that may have to leave: once `leaving` is requested the run ends within a second,
+/// with the list as far as it has come.
+void GetTovikQuazelPrinters(const std::stop_token& leaving);
+
+/// Adds the printer that sent `reply` to g_PrinterList, which is not null, if it is one of the series and not
+/// in it yet. `reply` is what came in answer to the device id request and may hold anything. Same thread as
+/// the run.
+void addPrinterOfReply(std::span<const char> reply, in_addr responder);

@@ -1,0 +1,140 @@
+#include "discovery/ProbeCollection.h"
+
+#include "discovery/DeviceId.h"
+#include "discovery/SnmpRequests.h"
+#include "discovery/UdpSocket.h"
+#include "handoff/DiagnosticLog.h"
+
+#include <fcntl.h>
+#include <ifaddrs.h>
+#include <net/if.h>
+#include <sys/select.h>
+#include <sys/time.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+std::int32_t Timeout = 1000;
+
+namespace {
+
+/// The address of an interface that is up, as IPv4; null for any other entry. Loopback and point-to-point
+/// interfaces count.
+const sockaddr_in* usableAddress(const ifaddrs& entry) {
+    if ((entry.ifa_flags & IFF_UP) == 0 || entry.ifa_addr == nullptr ||
+        entry.ifa_addr->sa_family != AF_INET) {
+        return nullptr;
+    }
+    return reinterpret_cast<const sockaddr_in*>(entry.ifa_addr);
+}
+
+/// A datagram can be announced and then be gone (a bad checksum is found only on reading it): such a read
+/// must fail, not block.
+void makeNonBlocking(int descriptor) {
+    const int flags = ::fcntl(descriptor, F_GETFL);
+    if (flags >= 0) {
+        ::fcntl(descriptor, F_SETFL, flags | O_NONBLOCK);
+    }
+}
+
+/// None of the results is looked at: a probe that was not sent brings no reply, and the quiet time passes.
+void sendProbe(int descriptor, in_addr local) {
+    const sockaddr_in from = socketAddress(local, 0);
+    ::bind(descriptor, reinterpret_cast<const sockaddr*>(&from), sizeof(from));
+    const sockaddr_in group = socketAddress({::inet_addr(allHostsGroup)}, snmpPort);
+    // Linux refuses a number here, where it takes a time structure: the wait is that of select alone.
+    const std::int32_t receiveTimeout = 1000;
+    ::setsockopt(descriptor, SOL_SOCKET, SO_RCVTIMEO, &receiveTimeout, sizeof(receiveTimeout));
+    ::sendto(descriptor, probeRequest.data(), probeRequest.size(), 0,
+             reinterpret_cast<const sockaddr*>(&group), sizeof(group));
+}
+
+/// select() on one descriptor, or on none (-1) for the bare wait.
+int waitForDatagram(int descriptor) {
+    fd_set readable;
+    FD_ZERO(&readable);
+    if (descriptor >= 0) {
+        FD_SET(descriptor, &readable);
+    }
+    timeval wait{Timeout / 1000, 0};  // Set before every call: Linux leaves the remaining time in it.
+    errno = 0;
+    return ::select(descriptor + 1, &readable, nullptr, nullptr, &wait);
+}
+
+void receiveReply(int descriptor, ResponderTable& responders) {
+    tDebugPrint("Waiting for Recevfrom\n");
+    std::array<char, maximumReplySize> reply;
+    sockaddr_in source{};
+    socklen_t sourceLength = sizeof(source);
+    const ssize_t received = ::recvfrom(descriptor, reply.data(), reply.size(), 0,
+                                        reinterpret_cast<sockaddr*>(&source), &sourceLength);
+    if (received < 0) {
+        const int error = errno;
+        std::perror("recev");
+        tDebugPrint("Cant able to receive anything %s\n", std::strerror(error));
+        ++responders.failedReceives;
+        return;
+    }
+    // Whoever sends anything to this port is a responder; what it is, its device id will tell.
+    responders.entries[static_cast<std::size_t>(responders.count)].address = source.sin_addr;
+    ++responders.count;
+}
+
+/// Collects on one socket until it has been quiet for Timeout.
+void collectReplies(int descriptor, ResponderTable& responders, const std::stop_token& leaving) {
+    // A descriptor that does not fit a descriptor set would be written past its end. The socket is then one
+    // that brings no reply, like one that could not be opened.
+    bool listening = descriptor >= 0 && descriptor < FD_SETSIZE;
+    while (!responders.isClosed() && !leaving.stop_requested()) {
+        const int ready = waitForDatagram(listening ? descriptor : -1);
+        if (ready == 0) {
+            return;
+        }
+        if (ready < 0) {
+            const int error = errno;
+            tDebugPrint("Select return -1 %d\n", error);
+            // After a signal the wait starts anew. Any other error would come back at once, for ever.
+            listening = listening && error == EINTR;
+            continue;
+        }
+        receiveReply(descriptor, responders);
+    }
+}
+
+void probeFrom(in_addr local, const char* localText, ResponderTable& responders,
+               const std::stop_token& leaving) {
+    errno = 0;
+    const UdpSocket socket;
+    tDebugPrint("**** %s\n", localText);
+    makeNonBlocking(socket.descriptor());
+    sendProbe(socket.descriptor(), local);
+    collectReplies(socket.descriptor(), responders, leaving);
+    tDebugPrint("Out of While loop\n");
+}
+
+}  // namespace
+
+void collectResponders(ResponderTable& responders, const std::stop_token& leaving) {
+    ifaddrs* list = nullptr;
+    if (::getifaddrs(&list) != 0) {
+        return;
+    }
+    const std::unique_ptr<ifaddrs, decltype(&::freeifaddrs)> owner(list, &::freeifaddrs);
+    for (const ifaddrs* entry = list; entry != nullptr; entry = entry->ifa_next) {
+        const sockaddr_in* const local = usableAddress(*entry);
+        if (local == nullptr) {
+            continue;
+        }
+        const DottedDecimal text = dottedDecimal(local->sin_addr);
+        if (text[0] == '\0') {
+            continue;
+        }
+        probeFrom(local->sin_addr, text.data(), responders, leaving);
+        if (responders.isClosed() || leaving.stop_requested()) {
+            return;
+        }
+    }
+}

@@ -1,0 +1,50 @@
+// A UDP socket over IPv4 that closes itself, and the text form of its addresses.
+
+#pragma once
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdint>
+
+class UdpSocket {
+  public:
+    /// A socket that could not be opened has the descriptor -1; every call on it fails, and it brings no
+    /// reply.
+    UdpSocket() : descriptor_(::socket(AF_INET, SOCK_DGRAM, IPPROTO_UDP)) {}
+    UdpSocket(const UdpSocket&) = delete;
+    UdpSocket& operator=(const UdpSocket&) = delete;
+    ~UdpSocket() {
+        if (descriptor_ >= 0) {
+            ::close(descriptor_);
+        }
+    }
+
+    [[nodiscard]] int descriptor() const { return descriptor_; }
+
+  private:
+    int descriptor_;
+};
+
+/// A socket address from its parts; `port` in host byte order.
+[[nodiscard]] inline sockaddr_in socketAddress(in_addr address, std::uint16_t port) {
+    sockaddr_in result{};
+    result.sin_family = AF_INET;
+    result.sin_port = htons(port);
+    result.sin_addr = address;
+    return result;
+}
+
+using DottedDecimal = std::array<char, INET_ADDRSTRLEN>;
+
+/// The address in dotted decimal, NUL-terminated; empty when it has no such form.
+[[nodiscard]] inline DottedDecimal dottedDecimal(in_addr address) {
+    DottedDecimal text{};
+    if (::inet_ntop(AF_INET, &address, text.data(), text.size()) == nullptr) {
+        text[0] = '\0';
+    }
+    return text;
+}
