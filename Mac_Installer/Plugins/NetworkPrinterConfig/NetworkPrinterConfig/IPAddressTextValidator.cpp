@@ -1,0 +1,31 @@
+#include "NetworkPrinterConfig/IPAddressTextValidator.h"
+
+#include <unicode/regex.h>
+#include <unicode/unistr.h>
+
+namespace {
+
+// ICU syntax, and ICU itself: its "$" also stands before one line end at the end of the text, of whatever
+// kind. Other engines differ there.
+constexpr const char16_t* addressPattern =
+    uR"(^(?:(?:25[0-5]|2[0-4][0-9]|[01]?[0-9][0-9]?)\.){3}(?:25[0-5]|2[0-4][0-9]|[01]?[0-9][0-9]?)$)";
+
+}  // namespace
+
+bool IPAddressTextValidator::validate(const QString& text) const {
+    if (text.isNull()) {
+        return false;
+    }
+    if (text.isEmpty()) {
+        return true;
+    }
+    const icu::UnicodeString input(reinterpret_cast<const char16_t*>(text.utf16()),
+                                   static_cast<int32_t>(text.size()));
+    UErrorCode status = U_ZERO_ERROR;
+    icu::RegexMatcher matcher(icu::UnicodeString(addressPattern), input, 0, status);
+    int matches = 0;
+    while (U_SUCCESS(status) && matcher.find(status) != 0) {
+        ++matches;
+    }
+    return U_SUCCESS(status) && matches == 1;
+}

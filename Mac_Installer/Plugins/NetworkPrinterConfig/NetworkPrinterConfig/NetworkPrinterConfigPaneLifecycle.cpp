@@ -1,0 +1,209 @@
+// The page's making and end, the installer's calls on the way in, and its files.
+
+#include "NetworkPrinterConfig/Alert.h"
+#include "NetworkPrinterConfig/NetworkPrinterConfigPane.h"
+#include "NetworkPrinterConfig/OnlyIntegerValueFormatter.h"
+#include "NetworkPrinterConfig/controls/Messages.h"
+#include "discovery/ModelCatalog.h"
+#include "handoff/DiagnosticLog.h"
+#include "handoff/SelectionFile.h"
+#include "platform/FileManager.h"
+#include "platform/UserDefaults.h"
+#include "ui_NetworkPrinterConfigPane.h"
+
+#include <QMetaObject>
+#include <QMetaProperty>
+
+namespace {
+
+const QString layoutDebuggingDefault =
+    QStringLiteral("NSConstraintBasedLayoutVisualizeMutuallyExclusiveConstraints");
+
+/// The models' names with a mnemonic each: the first digit of the number part that no earlier model has
+/// taken.
+QStringList modelLabels() {
+    QStringList labels;
+    QString taken;
+    for (const CatalogRow& row : modelCatalog) {
+        QString label = QString::fromLatin1(row.modelName);
+        const QString number = QString::fromLatin1(row.numberPart);
+        for (const QChar digit : number) {
+            if (!taken.contains(digit)) {
+                taken += digit;
+                label.insert(label.size() - number.size() + number.indexOf(digit), QLatin1Char('&'));
+                break;
+            }
+        }
+        labels += label;
+    }
+    return labels;
+}
+
+/// A hidden control keeps its place, so that nothing moves when it appears.
+void keepPlaceWhenHidden(QWidget* control) {
+    QSizePolicy policy = control->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    control->setSizePolicy(policy);
+}
+
+}  // namespace
+
+NetworkPrinterConfigPane::NetworkPrinterConfigPane(QObject* parent) : InstallerPane(parent) {
+    makeContent();
+    connectOutlets();
+    connect(radiobtnPrinterType(), &RadioMatrix::action, this, &NetworkPrinterConfigPane::PrinterTypeClicked);
+    connect(radiobtnPrinterModel(), &RadioMatrix::action, this,
+            &NetworkPrinterConfigPane::PrinterModelClicked);
+    connect(RefreshButton(), &QPushButton::clicked, this, &NetworkPrinterConfigPane::RefreshButtonClicked);
+}
+
+NetworkPrinterConfigPane::~NetworkPrinterConfigPane() {
+    // In this order: nothing more reaches the controls, discovery stops at its next wait, and nobody is left
+    // behind.
+    gate_.close();
+    leaving_.request_stop();
+    if (discoveryThread_.joinable()) {
+        discoveryThread_.join();
+    }
+}
+
+void NetworkPrinterConfigPane::makeContent() {
+    auto* const content = new QWidget;
+    Ui::NetworkPrinterConfigPane form;
+    form.setupUi(content);
+    form.radiobtnPrinterModel->setColumns(static_cast<int>(modelCount));
+    form.radiobtnPrinterModel->setCells(modelLabels());
+    keepPlaceWhenHidden(form.PrinterIPInfoBox);
+    keepPlaceWhenHidden(form.Progress);
+    setContentWidget(content);
+}
+
+/// Each control property receives the control of its name.
+void NetworkPrinterConfigPane::connectOutlets() {
+    const QMetaObject& description = staticMetaObject;
+    for (int index = description.propertyOffset(); index < description.propertyCount(); ++index) {
+        const QMetaProperty property = description.property(index);
+        auto* const control = contentWidget()->findChild<QWidget*>(QString::fromLatin1(property.name()));
+        if (control != nullptr) {
+            property.write(this, QVariant::fromValue(control));
+        }
+    }
+}
+
+QString NetworkPrinterConfigPane::title() const {
+    return qtTrId("PaneTitle");  // A missing translation shows the id itself.
+}
+
+void NetworkPrinterConfigPane::awakeFromNib() {
+    InstallerPane::awakeFromNib();
+    tDebugPrint("Tovik Quazel Installer Initializing....\n");
+    setUserDefault(layoutDebuggingDefault, true);
+    using Pane = NetworkPrinterConfigPane;
+    if (ComboBox* const list = PrinterIP()) {
+        connect(list, &ComboBox::selectionDidChange, this, &Pane::didSelectIP);
+        connect(list, &ComboBox::willPopUp, this, &Pane::ComboBoxGotFocus);
+    }
+    if (TextField* const address = IPAddressText()) {
+        connect(address, &TextField::didEndEditing, this, &Pane::didIPTextBoxKeyPress);
+        connect(address, &TextField::didBeginEditing, this, &Pane::IPTextBoxGotFocus);
+        address->setFormatter(new OnlyIntegerValueFormatter);
+    }
+    RemoveFile();
+}
+
+void NetworkPrinterConfigPane::didEnterPane(InstallerDirection direction) {
+    tDebugPrint("didEnterPane\n");
+    if (direction == InstallerDirectionForward) {
+        setUserDefault(layoutDebuggingDefault, true);
+        tell(radiobtnPrinterType(), &RadioMatrix::selectCellAtRow, 0, 0);
+        tell(PrinterIPInfoBox(), &QWidget::setHidden, true);
+        tell(Progress(), &QWidget::setHidden, true);
+        tell(IPAddressText(), &TextField::setEditable, false);
+        tell(IPAddressText(), &QWidget::setEnabled, false);
+        tell(radiobtnPrinterModel(), &QWidget::setEnabled, false);
+        tell(radiobtnPrinterModel(), &RadioMatrix::selectCellAtRow, 0, 0);
+        RemoveFile();
+    }
+    tDebugPrint("Return from didEnterPane\n");
+}
+
+void NetworkPrinterConfigPane::CheckExistingVersion() {
+    const QString driver = QStringLiteral("/Library/Printers/Tovik_Quazel_Printer_Driver");
+    const bool isInstalled = fileExistsAtPath(driver);
+    const QString version = GetFileData(driver + QStringLiteral("/Version")).trimmed();
+    if (!isInstalled || version == QStringLiteral("1.0.10.0")) {
+        return;
+    }
+    runAlert(contentWidget(), QStringLiteral("Previous version found!"),
+             QStringLiteral(
+                 "Previous version of Tovik KV Printer Mac Driver has been found in this machine.\nThis "
+                 "installation will uninstall the previous version and install the new version."));
+}
+
+/// The one form of the page's alerts.
+void NetworkPrinterConfigPane::tellThePerson(const QString& informativeText) {
+    runAlert(contentWidget(), QStringLiteral("Tovik KV Card Printer IP Configuration"), informativeText);
+}
+
+/// Gives a text an owner that lets go of it as soon as the program is back in its event loop: long enough for
+/// the call chain that made it, and no longer.
+std::shared_ptr<const QString> NetworkPrinterConfigPane::keepUntilEventEnds(const QString& text) {
+    if (textsOfThisEvent_.empty()) {
+        QMetaObject::invokeMethod(
+            this, [this] { textsOfThisEvent_.clear(); }, Qt::QueuedConnection);
+    }
+    textsOfThisEvent_.push_back(std::make_shared<const QString>(text));
+    return textsOfThisEvent_.back();
+}
+
+void NetworkPrinterConfigPane::RemoveFile() {
+    ::RemoveFile();
+}
+
+void NetworkPrinterConfigPane::writeToTextFile(const QString& line) {
+    ::writeToTextFile(line);
+}
+
+QString NetworkPrinterConfigPane::GetFileData(const QString& path) {
+    return ::GetFileData(path);
+}
+
+void NetworkPrinterConfigPane::setPrinterIP(ComboBox* control) {
+    PrinterIP_.store(control);
+}
+
+void NetworkPrinterConfigPane::setRadiobtnPrinterType(RadioMatrix* control) {
+    radiobtnPrinterType_.store(control);
+}
+
+void NetworkPrinterConfigPane::setPrinterIPInfoBox(QGroupBox* control) {
+    PrinterIPInfoBox_.store(control);
+}
+
+void NetworkPrinterConfigPane::setProgress(ProgressIndicator* control) {
+    Progress_.store(control);
+}
+
+void NetworkPrinterConfigPane::setIPAddressText(TextField* control) {
+    IPAddressText_.store(control);
+}
+
+void NetworkPrinterConfigPane::setPrinterModelBox(QGroupBox* control) {
+    PrinterModelBox_.store(control);
+}
+
+void NetworkPrinterConfigPane::setPrinterIPBox(QGroupBox* control) {
+    PrinterIPBox_.store(control);
+}
+
+void NetworkPrinterConfigPane::setRadiobtnPrinterModel(RadioMatrix* control) {
+    radiobtnPrinterModel_.store(control);
+}
+
+void NetworkPrinterConfigPane::setG_selectedPrinterModel(const std::shared_ptr<const QString>& text) {
+    g_selectedPrinterModel_.store(text);
+}
+
+void NetworkPrinterConfigPane::setRefreshButton(QPushButton* control) {
+    RefreshButton_.store(control);
+}

@@ -1,0 +1,246 @@
+// Discovery from the page's side: it is started, the list is filled, and what the person chooses in it is
+// followed.
+
+#include "NetworkPrinterConfig/NetworkPrinterConfigPane.h"
+#include "NetworkPrinterConfig/containsCategory.h"
+#include "NetworkPrinterConfig/controls/Messages.h"
+#include "discovery/ModelCatalog.h"
+#include "discovery/PrinterDiscovery.h"
+#include "handoff/DiagnosticLog.h"
+#include "platform/StringFormat.h"
+#include "platform/SystemLog.h"
+
+#include <memory>
+
+namespace {
+
+constexpr int networkTypeRow = 1;
+
+/// Called with each entry of the found list, in order, before it becomes part of the lines.
+using EntryVisitor = void (*)(const QString& entry);
+
+/// The found list as lines: its entries joined and split at their line feeds, so an empty line stands at the
+/// end.
+QStringList listLines(EntryVisitor visit) {
+    const std::shared_ptr<QStringList> entries = g_PrinterList;
+    QString joined;
+    if (entries) {
+        for (const QString& entry : *entries) {
+            visit(entry);
+            joined += entry;
+        }
+    }
+    return joined.split(QLatin1Char('\n'));
+}
+
+}  // namespace
+
+void NetworkPrinterConfigPane::PrinterTypeClicked() {
+    const int row = ask(radiobtnPrinterType(), &RadioMatrix::selectedRow);
+    systemLog(u"PrinterTypeClicked %@", {row});
+    tDebugPrint("PrinterTypeClicked %d\n", row);
+    if (row != networkTypeRow) {
+        RemoveFile();
+        tell(PrinterIPInfoBox(), &QWidget::setHidden, true);
+        return;
+    }
+    tell(PrinterIPInfoBox(), &QWidget::setHidden, false);
+    tell(RefreshButton(), &QWidget::setEnabled, false);
+    tell(radiobtnPrinterModel(), &QWidget::setEnabled, false);
+    tell(PrinterIP(), &QWidget::setEnabled, false);
+    setNextEnabled(false);
+    setPreviousEnabled(false);
+    tell(IPAddressText(), &QWidget::setEnabled, false);
+    tell(IPAddressText(), &TextField::setEditable, false);
+    tell(radiobtnPrinterType(), &QWidget::setEnabled, false);
+    tell(IPAddressText(), &TextField::setStringValue, QString());
+    startDiscovery();
+}
+
+void NetworkPrinterConfigPane::RefreshButtonClicked() {
+    tDebugPrint("RefreshButtonClicked\n");
+    tell(RefreshButton(), &QWidget::setEnabled, false);
+    tell(radiobtnPrinterModel(), &QWidget::setEnabled, false);
+    tell(PrinterIP(), &QWidget::setEnabled, false);
+    tell(IPAddressText(), &TextField::setStringValue, QString());
+    setNextEnabled(false);
+    setPreviousEnabled(false);
+    tell(IPAddressText(), &QWidget::setEnabled, false);
+    tell(IPAddressText(), &TextField::setEditable, false);
+    tell(radiobtnPrinterType(), &QWidget::setEnabled, false);
+    startDiscovery();
+}
+
+void NetworkPrinterConfigPane::startDiscovery() {
+    // The disabled controls see to it that there is one at a time. Should a caller get round them, a second
+    // one would wait here for the first, which may be waiting for this thread.
+    if (discovering_) {
+        return;
+    }
+    discovering_ = true;
+    if (discoveryThread_.joinable()) {
+        discoveryThread_.join();  // The last one; it has nothing left to do but to end.
+    }
+    discoveryThread_ = std::thread(&NetworkPrinterConfigPane::GetPrinterIPThread, this);
+}
+
+/// Runs a group of control changes on the main thread, shown together, and waits for it. False when the page
+/// is going away: the changes did not happen, and the caller leaves without touching the page.
+bool NetworkPrinterConfigPane::changeControls(const std::function<void()>& changes) {
+    return gate_.runAndWait([this, &changes] {
+        tell(contentWidget(), &QWidget::setUpdatesEnabled, false);
+        changes();
+        tell(contentWidget(), &QWidget::setUpdatesEnabled, true);
+    });
+}
+
+void NetworkPrinterConfigPane::GetPrinterIPThread() {
+    tDebugPrint("GetPrinterIPThread\n");
+    if (!GetPrinterIP()) {
+        return;
+    }
+    (void)changeControls([this] { allowChoosing(); });
+}
+
+bool NetworkPrinterConfigPane::GetPrinterIP() {
+    tDebugPrint("GetPrinterIP\n");
+    if (!changeControls([this] { showSearching(); })) {
+        return false;
+    }
+    tDebugPrint("Before GetTovikQuazelPrinters\n");
+    GetTovikQuazelPrinters(leaving_.get_token());
+    tDebugPrint("After GetTovikQuazelPrinters\n");
+    tDebugPrint("Total Printer Count is %d\n", g_PrinterList ? static_cast<int>(g_PrinterList->count()) : 0);
+    const QStringList lines = listLines(
+        [](const QString& entry) { tDebugPrint("Found an Item: %s\n", UTF8String(entry).c_str()); });
+    return changeControls([this, &lines] { fillList(lines); });
+}
+
+void NetworkPrinterConfigPane::showSearching() {
+    tell(Progress(), &QWidget::setHidden, false);
+    tell(Progress(), &ProgressIndicator::startAnimation);
+    tell(PrinterIP(), &ComboBox::removeAllItems);
+    tell(PrinterIP(), &ComboBox::addItemWithObjectValue, QStringLiteral("Enter IP Address Manually"));
+    tell(PrinterIP(), &ComboBox::selectItemAtIndex, 0);  // Calls didSelectIP, like the one in fillList.
+    tell(radiobtnPrinterModel(), &QWidget::setEnabled, false);
+}
+
+void NetworkPrinterConfigPane::fillList(const QStringList& lines) {
+    tell(PrinterIP(), &ComboBox::removeAllItems);
+    QStringList items = lines;
+    items.removeAll(QString());
+    tell(PrinterIP(), &ComboBox::addItemsWithObjectValues, items);
+    systemLog(u"Array Count is %@", {lines.count()});
+    if (lines.count() > 1) {
+        tell(PrinterIP(), &ComboBox::selectItemAtIndex, 0);
+    }
+    tell(Progress(), &ProgressIndicator::stopAnimation);
+    tell(Progress(), &QWidget::setHidden, true);
+}
+
+/// The model matrix stays as the selection left it.
+void NetworkPrinterConfigPane::allowChoosing() {
+    tell(RefreshButton(), &QWidget::setEnabled, true);
+    tell(PrinterIP(), &QWidget::setEnabled, true);
+    setNextEnabled(true);
+    tell(IPAddressText(), &QWidget::setEnabled, true);
+    tell(radiobtnPrinterType(), &QWidget::setEnabled, true);
+    tell(IPAddressText(), &TextField::setEditable, true);
+    setPreviousEnabled(true);
+    discovering_ = false;
+}
+
+void NetworkPrinterConfigPane::didSelectIP() {
+    tDebugPrint("didSelectIP Event Called\n");
+    const QString selected = ask(PrinterIP(), &ComboBox::objectValueOfSelectedItem);
+    tDebugPrint("didSelectIP modal is %s\n", UTF8String(selected).c_str());
+    if (selected.isNull()) {
+        return;
+    }
+    if (selected.isEmpty()) {
+        tDebugPrint("IP String is equal to NULL\n");
+        tell(IPAddressText(), &TextField::setEditable, false);
+        tell(IPAddressText(), &QWidget::setEnabled, false);
+    } else if (selected.startsWith(QStringLiteral("Enter"))) {
+        tell(IPAddressText(), &TextField::setStringValue, QString());
+        tell(IPAddressText(), &TextField::setEditable, true);
+        tell(IPAddressText(), &QWidget::setEnabled, true);
+        tell(radiobtnPrinterModel(), &QWidget::setEnabled, true);
+        chooseModelColumn(0);
+    } else {
+        tell(IPAddressText(), &TextField::setEditable, false);
+        tell(IPAddressText(), &QWidget::setEnabled, false);
+        tell(radiobtnPrinterModel(), &QWidget::setEnabled, false);
+        setG_ChangeTextBoxText(true);
+        ChangePrinterModelRadioButton(selected);
+    }
+}
+
+void NetworkPrinterConfigPane::chooseModelColumn(int column) {
+    tell(radiobtnPrinterModel(), &RadioMatrix::selectCellAtRow, 0, column);
+    tell(radiobtnPrinterModel(), &RadioMatrix::setState, 1, 0, column);
+}
+
+void NetworkPrinterConfigPane::ChangePrinterModelRadioButton(const QString& item) {
+    systemLog(u"ChangePrinterModelRadioButton %@", {item});
+    tDebugPrint("ChangePrinterModelRadioButton %s\n", UTF8String(item).c_str());
+    if (g_ChangeTextBoxText()) {
+        const QString address = item.mid(item.indexOf(QLatin1Char('@')) + 1);
+        tell(IPAddressText(), &TextField::setStringValue, address);
+        tDebugPrint("%s", UTF8String(stringWithFormat(u"$$$$$%@\n", {address})).c_str());
+    }
+    for (std::size_t column = 0; column < modelCount; ++column) {
+        if (containsString(item, QString::fromLatin1(modelCatalog[column].modelName))) {
+            chooseModelColumn(static_cast<int>(column));
+            setG_SelectedCell(static_cast<qint64>(column));
+            return;
+        }
+    }
+}
+
+int NetworkPrinterConfigPane::PrinterModelToColumnNo(const QString& model) const {
+    systemLog(u"PrinterModelToColumnNo is %@", {model});
+    int column = 0;
+    // The last match counts here, not the first.
+    for (std::size_t candidate = 0; candidate < modelCount; ++candidate) {
+        if (containsString(model, QString::fromLatin1(modelCatalog[candidate].modelName))) {
+            column = static_cast<int>(candidate);
+        }
+    }
+    systemLog(u"PrinterModelToColumnNo Return %@", {column});
+    return column;
+}
+
+bool NetworkPrinterConfigPane::IsIPAvalaibleInList(const QString& address) {
+    constexpr qsizetype wordLength = 5;
+    systemLog(u"~~IsIPAvalaibleInList %@", {address});
+    tDebugPrint("IsIPAvalaibleInList\n");
+    const QStringList lines =
+        listLines([](const QString& entry) { systemLog(u"Found an Item: %@", {entry}); });
+    bool found = false;
+    for (const QString& line : lines) {
+        systemLog(u"IsIPAvalaibleInList IP Is %@", {line});
+        found = containsString(line, address);
+        if (found) {
+            setG_selectedPrinterModel(keepUntilEventEnds(line.left(wordLength)));
+            break;
+        }
+    }
+    systemLog(u"IsIPAvalaibleInList Return%@", {found});
+    return found;
+}
+
+void NetworkPrinterConfigPane::IPTextBoxGotFocus() {
+    tell(radiobtnPrinterModel(), &QWidget::setEnabled, true);
+}
+
+void NetworkPrinterConfigPane::PrinterModelClicked() {
+    const int column = ask(radiobtnPrinterModel(), &RadioMatrix::selectedColumn);
+    systemLog(u"Selected Model Item is %@", {column});
+}
+
+// The list's popping up and the end of editing ask for nothing; they stay connected for what may come.
+
+void NetworkPrinterConfigPane::ComboBoxGotFocus() {}
+
+void NetworkPrinterConfigPane::didIPTextBoxKeyPress() {}

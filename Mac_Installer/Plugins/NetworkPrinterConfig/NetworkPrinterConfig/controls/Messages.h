@@ -1,0 +1,22 @@
+// Messages to controls that may be gone: without a receiver they do nothing, and answer null, zero or no.
+
+#pragma once
+
+#include <functional>
+#include <type_traits>
+#include <utility>
+
+template <class Control, class Message, class... Arguments>
+void tell(Control* control, Message message, Arguments&&... arguments) {
+    if (control != nullptr) {
+        std::invoke(message, control, std::forward<Arguments>(arguments)...);
+    }
+}
+
+template <class Control, class Question>
+[[nodiscard]] std::invoke_result_t<Question, Control*> ask(Control* control, Question question) {
+    if (control == nullptr) {
+        return {};
+    }
+    return std::invoke(question, control);
+}

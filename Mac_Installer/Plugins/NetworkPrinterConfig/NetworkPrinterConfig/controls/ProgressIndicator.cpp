@@ -1,0 +1,19 @@
+#include "NetworkPrinterConfig/controls/ProgressIndicator.h"
+
+ProgressIndicator::ProgressIndicator(QWidget* parent) : QProgressBar(parent) {
+    setTextVisible(false);
+    stopAnimation();
+}
+
+void ProgressIndicator::startAnimation() {
+    setRange(0, 0);  // An empty range is what makes the bar busy.
+}
+
+void ProgressIndicator::stopAnimation() {
+    setRange(0, 1);
+    reset();
+}
+
+bool ProgressIndicator::isAnimating() const {
+    return minimum() == maximum();
+}

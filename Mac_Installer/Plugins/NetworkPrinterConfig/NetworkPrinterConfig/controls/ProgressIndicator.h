@@ -1,0 +1,18 @@
+// A bar that shows that something goes on, without saying how far it has come.
+
+#pragma once
+
+#include <QProgressBar>
+
+class ProgressIndicator : public QProgressBar {
+    Q_OBJECT
+
+  public:
+    explicit ProgressIndicator(QWidget* parent = nullptr);
+
+    /// The animation runs off the main thread's timers, which stay free as long as the work is done
+    /// elsewhere.
+    void startAnimation();
+    void stopAnimation();
+    [[nodiscard]] bool isAnimating() const;
+};
