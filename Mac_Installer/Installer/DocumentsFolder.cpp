@@ -1,0 +1,22 @@
+#include "Installer/DocumentsFolder.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+QString documentsFolder() {
+    return QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+}
+
+QString prepareDocumentsFolder() {
+    const QString folder = documentsFolder();
+    if (!folder.isEmpty() && QDir().mkpath(folder) && QFileInfo(folder).isWritable()) {
+        return {};
+    }
+    return QCoreApplication::translate(
+               "DocumentsFolder",
+               "The folder %1 can't be written to. The choices made here would not reach the "
+               "later steps of the installation. Make the folder writable, then start again.")
+        .arg(folder);
+}

@@ -1,0 +1,65 @@
+#include "Installer/PluginLoader.h"
+
+#include "InstallerPlugins/InstallerPane.h"
+#include "InstallerPlugins/InstallerPluginFactory.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QJsonObject>
+#include <QPluginLoader>
+
+namespace {
+
+QString say(const char* text) {
+    return QCoreApplication::translate("PluginLoader", text);
+}
+
+/// The page of one file; null with `problem` set when there is none.
+InstallerPane* loadPage(const QString& path, QObject* parent, QString& problem) {
+    QPluginLoader loader(path);
+    // Asked before anything of the file is run: a plug-in for another contract must not be.
+    const QString contract = loader.metaData().value(QStringLiteral("IID")).toString();
+    if (contract.isEmpty()) {
+        problem = say("is not a plug-in (%1)").arg(loader.errorString());
+        return nullptr;
+    }
+    if (contract != QStringLiteral(InstallerPluginFactory_iid)) {
+        problem = say("is made for \"%1\", not for \"%2\"")
+                      .arg(contract, QStringLiteral(InstallerPluginFactory_iid));
+        return nullptr;
+    }
+    auto* const factory = qobject_cast<InstallerPluginFactory*>(loader.instance());
+    if (factory == nullptr) {
+        problem = say("can't be loaded (%1)").arg(loader.errorString());
+        return nullptr;
+    }
+    InstallerPane* const pane = factory->createPane(parent);
+    if (pane == nullptr || pane->contentWidget() == nullptr) {
+        problem = say("made no page");
+        delete pane;
+        return nullptr;
+    }
+    return pane;
+}
+
+}  // namespace
+
+LoadedPages loadPages(const QString& folder, QObject* parent) {
+    LoadedPages loaded;
+    const QDir directory(folder);
+    if (!directory.isReadable()) {
+        loaded.problems += say("%1: is no folder that can be read").arg(folder);
+        return loaded;
+    }
+    const QStringList names = directory.entryList(QDir::Files | QDir::System | QDir::Hidden, QDir::Name);
+    for (const QString& name : names) {
+        const QString path = directory.absoluteFilePath(name);
+        QString problem;
+        if (InstallerPane* const pane = loadPage(path, parent, problem)) {
+            loaded.pages.push_back(pane);
+        } else {
+            loaded.problems += QStringLiteral("%1: %2").arg(path, problem);
+        }
+    }
+    return loaded;
+}

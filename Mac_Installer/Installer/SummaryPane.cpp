@@ -1,0 +1,55 @@
+#include "Installer/SummaryPane.h"
+
+#include "Installer/DocumentsFolder.h"
+
+#include <QFile>
+#include <QLabel>
+#include <QVBoxLayout>
+
+namespace {
+
+/// The hand-off line, or null when there is none.
+QString handedOverLine() {
+    QFile file(documentsFolder() + QStringLiteral("/KV.txt"));
+    if (!file.open(QIODevice::ReadOnly)) {
+        return {};
+    }
+    constexpr qint64 longestLine = 64;
+    const QString line = QString::fromLatin1(file.read(longestLine));
+    return line.isEmpty() ? QString() : line;
+}
+
+}  // namespace
+
+SummaryPane::SummaryPane(QObject* parent) : InstallerPane(parent) {
+    auto* const content = new QWidget;
+    auto* const column = new QVBoxLayout(content);
+    column->setContentsMargins(0, 0, 0, 0);
+    text_ = new QLabel(content);
+    text_->setObjectName(QStringLiteral("summary"));
+    text_->setTextFormat(Qt::PlainText);
+    text_->setWordWrap(true);
+    text_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    column->addWidget(text_);
+    column->addStretch();
+    setContentWidget(content);
+}
+
+QString SummaryPane::title() const {
+    return tr("Summary");
+}
+
+void SummaryPane::didEnterPane(InstallerDirection /*direction*/) {
+    const QString line = handedOverLine();
+    if (line.isNull()) {
+        text_->setText(
+            tr("No network printer was chosen. The driver will be installed for a printer that is connected "
+               "directly to this computer."));
+        return;
+    }
+    const QString model = line.section(QLatin1Char(' '), 0, 0);
+    const QString address = line.section(QLatin1Char(' '), 1);
+    text_->setText(
+        tr("The network printer is handed to the next steps of the installation:\n\nModel:\t%1\nAddress:\t%2")
+            .arg(model, address));
+}

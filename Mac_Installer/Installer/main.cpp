@@ -1,0 +1,94 @@
+// quazel-installer: loads the pages, shows the window.
+
+#include "Installer/DocumentsFolder.h"
+#include "Installer/InstallerWindow.h"
+#include "Installer/IntroductionPane.h"
+#include "Installer/PluginLoader.h"
+#include "Installer/SummaryPane.h"
+#include "Installer/SystemLogHandler.h"
+#include "Installer/TerminationSignals.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QDir>
+#include <QFileInfo>
+
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+namespace {
+
+constexpr int exitFailure = 1;
+constexpr int exitUsage = 2;
+
+/// Help and version must not need a display, which a QApplication does.
+std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
+    for (int index = 1; index < argc; ++index) {
+        for (const char* const option : {"-h", "--help", "-v", "--version"}) {
+            if (std::strcmp(argv[index], option) == 0) {
+                return std::make_unique<QCoreApplication>(argc, argv);
+            }
+        }
+    }
+    return std::make_unique<QApplication>(argc, argv);
+}
+
+void complain(const QString& text) {
+    std::fprintf(stderr, "quazel-installer: %s\n", qUtf8Printable(text));
+}
+
+int runInstaller(const QString& pluginFolder) {
+    const QString problem = prepareDocumentsFolder();
+    if (!problem.isNull()) {
+        complain(problem);
+    }
+    std::vector<InstallerPane*> pages{new IntroductionPane(problem, qApp)};
+    const LoadedPages loaded = loadPages(pluginFolder, qApp);
+    for (const QString& line : loaded.problems) {
+        complain(line);
+    }
+    if (loaded.pages.empty()) {
+        complain(QCoreApplication::translate("main", "there is no page to show: no usable plug-in in %1")
+                     .arg(QDir::toNativeSeparators(QFileInfo(pluginFolder).absoluteFilePath())));
+        return exitFailure;
+    }
+    pages.insert(pages.end(), loaded.pages.begin(), loaded.pages.end());
+    pages.push_back(new SummaryPane(qApp));
+
+    InstallerWindow window(pages);
+    window.resize(window.sizeHint().expandedTo({720, 540}));
+    window.show();
+    return QApplication::exec();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const std::unique_ptr<QCoreApplication> application = makeApplication(argc, argv);
+    QCoreApplication::setOrganizationName(QStringLiteral("Tovik"));
+    QCoreApplication::setApplicationName(QStringLiteral("quazel-installer"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(QUAZEL_VERSION));
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QCoreApplication::translate("main", "Installs the driver of the Tovik KV card printers."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    const QCommandLineOption plugins(
+        QStringLiteral("plugins"), QCoreApplication::translate("main", "Load the pages from <folder>."),
+        QCoreApplication::translate("main", "folder"),
+        QCoreApplication::applicationDirPath() + QStringLiteral("/" QUAZEL_PLUGINS_FROM_BIN));
+    parser.addOption(plugins);
+    if (!parser.parse(QCoreApplication::arguments()) || !parser.positionalArguments().isEmpty()) {
+        complain(parser.errorText().isEmpty()
+                     ? QCoreApplication::translate("main", "there are no other arguments; see --help")
+                     : parser.errorText());
+        return exitUsage;
+    }
+    parser.process(*application);  // Answers --help and --version.
+
+    forwardMessagesToSystemLog();
+    quitOnTerminationSignals();
+    return runInstaller(parser.value(plugins));
+}
