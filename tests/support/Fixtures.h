@@ -1,0 +1,54 @@
+// What several tests stand on: a home folder of their own, the diagnostic log read back, and a subnet of
+// printers.
+
+#pragma once
+
+#include <QProcess>
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+
+/// A home folder that lasts as long as this object; the process's documents and settings lie in it. Made
+/// before anything asks for a folder.
+class TemporaryHome {
+  public:
+    TemporaryHome();
+
+    [[nodiscard]] QString path() const { return folder_.path(); }
+    [[nodiscard]] QString documents() const { return path() + QStringLiteral("/Documents"); }
+    [[nodiscard]] QString selectionFile() const { return documents() + QStringLiteral("/KV.txt"); }
+    [[nodiscard]] QString log() const { return documents() + QStringLiteral("/QzInstall.log"); }
+
+  private:
+    QTemporaryDir folder_;
+};
+
+/// A file's bytes; null when it can't be read.
+[[nodiscard]] QByteArray contentOf(const QString& path);
+void writeFile(const QString& path, const QByteArray& content);
+
+/// The messages of the diagnostic log: its lines without the build date and tab, which every line that has
+/// them must have in the exact form. Continuation lines of a message are lines of their own. Empties the log,
+/// so that the next call gives what came since.
+[[nodiscard]] QStringList takeLog(const TemporaryHome& home);
+
+/// A subnet of printers in a process of its own; needs a network of its own. Ends with this object.
+class VirtualPrinters {
+  public:
+    /// Lines as the tool takes them, such as "10.0.0.5 answers MFG:...". Returns when all listen.
+    explicit VirtualPrinters(const QStringList& lines);
+    ~VirtualPrinters();
+
+    /// The requests that came, in order, each as "ADDRESS HEXBYTES".
+    [[nodiscard]] QStringList requests() const;
+
+  private:
+    QTemporaryDir folder_;
+    QProcess process_;
+};
+
+/// A complete device id of the series' form with the given model text.
+[[nodiscard]] QString deviceId(const QString& model);
+
+/// A program of the build, by its name.
+[[nodiscard]] QString programPath(const QString& name);
