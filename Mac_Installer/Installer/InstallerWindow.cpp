@@ -1,30 +1,19 @@
 #include "Installer/InstallerWindow.h"
 
+#include "Installer/StepList.h"
+
 #include <QFrame>
-#include <QGridLayout>
 #include <QHBoxLayout>
+#include <QIcon>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QListWidget>
 #include <QPushButton>
 #include <QScopedValueRollback>
+#include <QScrollArea>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
 namespace {
-
-/// Marks where the person is. The steps can't be clicked: the pages decide what comes next.
-QListWidget* makeStepList(QWidget* parent) {
-    auto* const list = new QListWidget(parent);
-    list->setObjectName(QStringLiteral("steps"));
-    list->setAccessibleName(InstallerWindow::tr("Steps"));
-    list->setFocusPolicy(Qt::NoFocus);
-    list->setSelectionMode(QAbstractItemView::NoSelection);
-    list->setFrameShape(QFrame::NoFrame);
-    list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    list->viewport()->setAutoFillBackground(false);
-    return list;
-}
 
 QLabel* makeHeading(QWidget* parent) {
     auto* const heading = new QLabel(parent);
@@ -36,47 +25,57 @@ QLabel* makeHeading(QWidget* parent) {
     return heading;
 }
 
-QFrame* makeLine(QWidget* parent) {
-    auto* const line = new QFrame(parent);
-    line->setFrameShape(QFrame::HLine);
-    line->setFrameShadow(QFrame::Sunken);
-    return line;
+/// A page in a frame that scrolls when the window is smaller than the page, so that no control is ever out of
+/// reach.
+QScrollArea* makeScroller(QWidget* content, QWidget* parent) {
+    auto* const scroller = new QScrollArea(parent);
+    scroller->setFrameShape(QFrame::NoFrame);
+    scroller->setWidgetResizable(true);
+    scroller->setFocusPolicy(Qt::NoFocus);
+    scroller->setWidget(content);
+    // The page stands on the window, not on a sheet of its own.
+    scroller->viewport()->setAutoFillBackground(false);
+    content->setAutoFillBackground(false);
+    return scroller;
 }
 
 }  // namespace
 
 InstallerWindow::InstallerWindow(const std::vector<InstallerPane*>& pages, QWidget* parent)
     : QDialog(parent, Qt::Window),
-      steps_(makeStepList(this)),
+      steps_(new StepList(this)),
       heading_(makeHeading(this)),
       stack_(new QStackedWidget(this)),
       back_(new QPushButton(tr("Go &Back"), this)),
       next_(new QPushButton(this)) {
+    Q_INIT_RESOURCE(installer);
+    setWindowIcon(QIcon(QStringLiteral(":/installer/quazel-installer.svg")));
     setWindowTitle(tr("Install the Tovik KV Printer Driver"));
     back_->setObjectName(QStringLiteral("back"));
     next_->setObjectName(QStringLiteral("next"));
     back_->setAutoDefault(false);
 
     auto* const buttons = new QHBoxLayout;
+    buttons->setSpacing(8);
     buttons->addStretch();
     buttons->addWidget(back_);
     buttons->addWidget(next_);
 
-    auto* const grid = new QGridLayout(this);
-    grid->setHorizontalSpacing(20);
-    grid->setVerticalSpacing(12);
-    grid->addWidget(steps_, 0, 0, 2, 1);
-    grid->addWidget(heading_, 0, 1);
-    grid->addWidget(stack_, 1, 1);
-    grid->addWidget(makeLine(this), 2, 0, 1, 2);
-    grid->addLayout(buttons, 3, 0, 1, 2);
-    grid->setColumnStretch(1, 1);
-    grid->setRowStretch(1, 1);
+    auto* const page = new QVBoxLayout;
+    page->setSpacing(14);
+    page->addWidget(heading_);
+    page->addWidget(stack_, 1);
+    page->addLayout(buttons);
 
-    for (InstallerPane* const page : pages) {
-        addStep(page);
+    auto* const columns = new QHBoxLayout(this);
+    columns->setContentsMargins(16, 16, 16, 16);
+    columns->setSpacing(20);
+    columns->addWidget(steps_);
+    columns->addLayout(page, 1);
+
+    for (InstallerPane* const pane : pages) {
+        addStep(pane);
     }
-    steps_->setFixedWidth(steps_->sizeHintForColumn(0) + fontMetrics().averageCharWidth() * 6);
     connect(back_, &QPushButton::clicked, this, &InstallerWindow::goBack);
     connect(next_, &QPushButton::clicked, this, &InstallerWindow::goForward);
     enter(0, InstallerDirectionForward);
@@ -98,8 +97,8 @@ void InstallerWindow::keyPressEvent(QKeyEvent* event) {
 void InstallerWindow::addStep(InstallerPane* page) {
     page->setParent(this);
     pages_.push_back(page);
-    stack_->addWidget(page->contentWidget());
-    steps_->addItem(page->title());
+    stack_->addWidget(makeScroller(page->contentWidget(), stack_));
+    steps_->addStep(page->title());
     connect(page, &InstallerPane::nextEnabledChanged, this, &InstallerWindow::updateButtons);
     connect(page, &InstallerPane::previousEnabledChanged, this, &InstallerWindow::updateButtons);
 }
@@ -138,14 +137,9 @@ void InstallerWindow::goBack() {
 
 void InstallerWindow::enter(int step, InstallerDirection direction) {
     current_ = step;
-    for (int row = 0; row < steps_->count(); ++row) {
-        QFont font = steps_->font();
-        font.setBold(row == step);
-        steps_->item(row)->setFont(font);
-    }
-    steps_->setCurrentRow(step);
+    steps_->setCurrentStep(step);
     heading_->setText(currentPage()->title());
-    stack_->setCurrentWidget(currentPage()->contentWidget());
+    stack_->setCurrentIndex(step);
     next_->setText(isLast() ? tr("&Close") : tr("&Continue"));
     currentPage()->didEnterPane(direction);
     updateButtons();

@@ -14,9 +14,9 @@
 
 class QKeyEvent;
 class QLabel;
-class QListWidget;
 class QPushButton;
 class QStackedWidget;
+class StepList;
 
 class InstallerWindow : public QDialog {
     Q_OBJECT
@@ -48,7 +48,7 @@ class InstallerWindow : public QDialog {
     std::vector<InstallerPane*> pages_;  // children
     int current_ = 0;
     bool leaving_ = false;  // a page is deciding; its alert may run an event loop of its own
-    QListWidget* steps_;
+    StepList* steps_;
     QLabel* heading_;
     QStackedWidget* stack_;
     QPushButton* back_;

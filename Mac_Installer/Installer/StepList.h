@@ -1,0 +1,34 @@
+// The list of steps beside the pages: those behind are ticked, the current one stands out, those ahead are
+// empty. It can't be clicked, as the pages decide what comes next; a screen reader reads it as text.
+
+#pragma once
+
+#include <QFrame>
+#include <QString>
+
+#include <vector>
+
+class QLabel;
+class QVBoxLayout;
+class StepMark;
+
+class StepList : public QFrame {
+    Q_OBJECT
+
+  public:
+    explicit StepList(QWidget* parent = nullptr);
+
+    void addStep(const QString& title);
+
+    /// `step` counts from 0.
+    void setCurrentStep(int step);
+
+  private:
+    struct Step {
+        StepMark* mark;
+        QLabel* label;
+    };
+
+    QVBoxLayout* column_;
+    std::vector<Step> steps_;  // children
+};
