@@ -75,6 +75,8 @@ void NetworkPrinterConfigPane::makeContent() {
     form.radiobtnPrinterModel->setCells(modelLabels());
     keepPlaceWhenHidden(form.PrinterIPInfoBox);
     keepPlaceWhenHidden(form.Progress);
+    keepPlaceWhenHidden(form.searchingLabel);
+    form.Progress->setCaption(form.searchingLabel);
     setContentWidget(content);
 }
 

@@ -17,3 +17,14 @@ void ProgressIndicator::stopAnimation() {
 bool ProgressIndicator::isAnimating() const {
     return minimum() == maximum();
 }
+
+void ProgressIndicator::setCaption(QWidget* caption) {
+    caption_ = caption;
+}
+
+void ProgressIndicator::setVisible(bool visible) {
+    QProgressBar::setVisible(visible);
+    if (caption_) {
+        caption_->setVisible(visible);
+    }
+}

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <QPointer>
 #include <QProgressBar>
 
 class ProgressIndicator : public QProgressBar {
@@ -15,4 +16,12 @@ class ProgressIndicator : public QProgressBar {
     void startAnimation();
     void stopAnimation();
     [[nodiscard]] bool isAnimating() const;
+
+    /// A text beside the bar that is shown and hidden together with it.
+    void setCaption(QWidget* caption);
+
+    void setVisible(bool visible) override;
+
+  private:
+    QPointer<QWidget> caption_;
 };

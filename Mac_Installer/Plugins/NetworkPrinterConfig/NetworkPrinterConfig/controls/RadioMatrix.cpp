@@ -9,6 +9,7 @@
 
 RadioMatrix::RadioMatrix(QWidget* parent) : QWidget(parent), grid_(new QGridLayout(this)) {
     grid_->setContentsMargins(0, 0, 0, 0);
+    grid_->setVerticalSpacing(2);
 }
 
 void RadioMatrix::setCells(const QStringList& labels) {
@@ -34,7 +35,7 @@ void RadioMatrix::rebuild() {
     const int indicator = style()->pixelMetric(QStyle::PM_ExclusiveIndicatorWidth, nullptr, this) +
                           style()->pixelMetric(QStyle::PM_RadioButtonLabelSpacing, nullptr, this);
     for (int index = 0; index < labels_.size(); ++index) {
-        const int row = 2 * (index / columns_);  // Each row of cells has a row of sentences below it.
+        const int row = 3 * (index / columns_);  // Below each row of cells, one of sentences and a gap.
         const int column = index % columns_;
         auto* const button = new QRadioButton(labels_.at(index), this);
         connect(button, &QRadioButton::clicked, this, &RadioMatrix::action);
@@ -46,6 +47,8 @@ void RadioMatrix::rebuild() {
             sentence->setIndent(indicator);
             button->setAccessibleDescription(descriptions_.at(index));
             grid_->addWidget(sentence, row + 1, column);
+            grid_->setRowMinimumHeight(row + 2,
+                                       index + columns_ < labels_.size() ? fontMetrics().height() / 2 : 0);
             sentences_.push_back(sentence);
         }
     }
