@@ -24,7 +24,7 @@ InstallerPane* loadPage(const QString& path, QObject* parent, QString& problem) 
         return nullptr;
     }
     if (contract != QStringLiteral(InstallerPluginFactory_iid)) {
-        problem = say("is made for \"%1\", not for \"%2\"")
+        problem = say(R"(is made for "%1", not for "%2")")
                       .arg(contract, QStringLiteral(InstallerPluginFactory_iid));
         return nullptr;
     }

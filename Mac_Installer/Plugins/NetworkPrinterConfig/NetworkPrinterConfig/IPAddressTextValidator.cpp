@@ -24,8 +24,8 @@ bool IPAddressTextValidator::validate(const QString& text) const {
     UErrorCode status = U_ZERO_ERROR;
     icu::RegexMatcher matcher(icu::UnicodeString(addressPattern), input, 0, status);
     int matches = 0;
-    while (U_SUCCESS(status) && matcher.find(status) != 0) {
+    while (U_SUCCESS(status) != 0 && matcher.find(status) != 0) {
         ++matches;
     }
-    return U_SUCCESS(status) && matches == 1;
+    return U_SUCCESS(status) != 0 && matches == 1;
 }

@@ -16,8 +16,9 @@
 
 namespace {
 
-const QString layoutDebuggingDefault =
-    QStringLiteral("NSConstraintBasedLayoutVisualizeMutuallyExclusiveConstraints");
+void switchLayoutDebuggingOn() {
+    setUserDefault(QStringLiteral("NSConstraintBasedLayoutVisualizeMutuallyExclusiveConstraints"), true);
+}
 
 /// The models' names with a mnemonic each: the first digit of the number part that no earlier model has
 /// taken.
@@ -99,7 +100,7 @@ QString NetworkPrinterConfigPane::title() const {
 void NetworkPrinterConfigPane::awakeFromNib() {
     InstallerPane::awakeFromNib();
     tDebugPrint("Tovik Quazel Installer Initializing....\n");
-    setUserDefault(layoutDebuggingDefault, true);
+    switchLayoutDebuggingOn();
     using Pane = NetworkPrinterConfigPane;
     if (ComboBox* const list = PrinterIP()) {
         connect(list, &ComboBox::selectionDidChange, this, &Pane::didSelectIP);
@@ -116,7 +117,7 @@ void NetworkPrinterConfigPane::awakeFromNib() {
 void NetworkPrinterConfigPane::didEnterPane(InstallerDirection direction) {
     tDebugPrint("didEnterPane\n");
     if (direction == InstallerDirectionForward) {
-        setUserDefault(layoutDebuggingDefault, true);
+        switchLayoutDebuggingOn();
         tell(radiobtnPrinterType(), &RadioMatrix::selectCellAtRow, 0, 0);
         tell(PrinterIPInfoBox(), &QWidget::setHidden, true);
         tell(Progress(), &QWidget::setHidden, true);

@@ -12,7 +12,7 @@
 #include <cerrno>
 #include <memory>
 
-QString g_ModelName = QStringLiteral("");
+QString g_ModelName = QStringLiteral("");  // NOLINT(cert-err58-cpp): a literal allocates nothing
 std::int32_t g_PrinterAlreadyInstalled = 0;
 
 namespace {

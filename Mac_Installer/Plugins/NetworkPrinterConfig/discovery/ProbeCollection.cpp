@@ -43,7 +43,7 @@ void makeNonBlocking(int descriptor) {
 /// None of the results is looked at: a probe that was not sent brings no reply, and the quiet time passes.
 void sendProbe(int descriptor, in_addr local) {
     const sockaddr_in from = socketAddress(local, 0);
-    ::bind(descriptor, reinterpret_cast<const sockaddr*>(&from), sizeof(from));
+    (void)::bind(descriptor, reinterpret_cast<const sockaddr*>(&from), sizeof(from));
     const sockaddr_in group = socketAddress({::inet_addr(allHostsGroup)}, snmpPort);
     // Linux refuses a number here, where it takes a time structure: the wait is that of select alone.
     const std::int32_t receiveTimeout = 1000;

@@ -16,7 +16,7 @@
 
 QString GetDocumentPath() {
     // Without a documents folder this is "(null)/QzInstall.log", relative to the working directory.
-    const QString path = stringWithFormat(u"%@/QzInstall.log", {documentsDirectory()});
+    QString path = stringWithFormat(u"%@/QzInstall.log", {documentsDirectory()});
     const FileError error = removeItemAtPath(path);
     if (error.code != FileError::none && error.code != FileError::noSuchFile) {
         // The prefix is what support staff look for, although it names the one error that is not reported.
@@ -25,9 +25,10 @@ QString GetDocumentPath() {
     return path;
 }
 
+// NOLINTNEXTLINE(cert-dcl50-cpp): the records' formats are printf's, and the compiler checks them.
 void tDebugPrint(const char* format, ...) {
     static const QByteArray InstallerlogFilePath = [] {
-        const QByteArray path = QFile::encodeName(GetDocumentPath());
+        QByteArray path = QFile::encodeName(GetDocumentPath());
         ::unlink(path.constData());
         return path;
     }();
@@ -43,6 +44,6 @@ void tDebugPrint(const char* format, ...) {
     std::fputs("\t", log.get());
     va_list arguments;
     va_start(arguments, format);
-    std::vfprintf(log.get(), format, arguments);
+    std::vfprintf(log.get(), format, arguments);  // NOLINT(clang-analyzer-valist.Uninitialized): it is
     va_end(arguments);
 }
