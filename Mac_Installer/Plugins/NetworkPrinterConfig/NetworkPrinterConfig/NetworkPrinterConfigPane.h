@@ -142,6 +142,7 @@ class NetworkPrinterConfigPane : public InstallerPane {
     void connectOutlets();
     [[nodiscard]] std::shared_ptr<const QString> keepUntilEventEnds(const QString& text);
     void tellThePerson(const QString& informativeText);
+    static void giveFocusTo(QWidget* control);
 
     // Selection
     void startDiscovery();
@@ -178,4 +179,5 @@ class NetworkPrinterConfigPane : public InstallerPane {
     std::stop_source leaving_;
     std::thread discoveryThread_;
     bool discovering_ = false;
+    bool focusFollowsSearch_ = false;
 };

@@ -98,6 +98,7 @@ bool NetworkPrinterConfigPane::isAnythingGiven(const QString& item, const QStrin
     }
     tDebugPrint("Line No %d\n", 1000);
     tellThePerson(QStringLiteral("Please choose Printer IP or Enter the IP Address to configure"));
+    giveFocusTo(IPAddressText());
     tDebugPrint("Line No %d\n", 1007);
     return false;
 }
@@ -110,6 +111,7 @@ bool NetworkPrinterConfigPane::isAddressValid(const QString& address) {
     beep();
     tellThePerson(QStringLiteral("Invalid IP"));
     tell(IPAddressText(), &TextField::setStringValue, QString());
+    giveFocusTo(IPAddressText());
     tDebugPrint("Line No %d\n", 1026);
     return false;
 }
@@ -195,4 +197,5 @@ bool NetworkPrinterConfigPane::commitTypedAddress(const QString& address, const 
 void NetworkPrinterConfigPane::refuseInstalledPrinter() {
     tellThePerson(QStringLiteral(
         "A Printer with this IP Address is already Installed, Please choose another Ethernet Printer"));
+    giveFocusTo(PrinterIP());
 }

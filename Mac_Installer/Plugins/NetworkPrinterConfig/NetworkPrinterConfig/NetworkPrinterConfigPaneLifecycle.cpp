@@ -148,6 +148,12 @@ void NetworkPrinterConfigPane::tellThePerson(const QString& informativeText) {
     runAlert(contentWidget(), QStringLiteral("Tovik KV Card Printer IP Configuration"), informativeText);
 }
 
+void NetworkPrinterConfigPane::giveFocusTo(QWidget* control) {
+    if (control != nullptr) {
+        control->setFocus(Qt::OtherFocusReason);
+    }
+}
+
 /// Gives a text an owner that lets go of it as soon as the program is back in its event loop: long enough for
 /// the call chain that made it, and no longer.
 std::shared_ptr<const QString> NetworkPrinterConfigPane::keepUntilEventEnds(const QString& text) {

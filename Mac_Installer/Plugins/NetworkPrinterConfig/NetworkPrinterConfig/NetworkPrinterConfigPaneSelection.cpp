@@ -119,6 +119,10 @@ bool NetworkPrinterConfigPane::GetPrinterIP() {
 void NetworkPrinterConfigPane::showSearching() {
     tell(Progress(), &QWidget::setHidden, false);
     tell(Progress(), &ProgressIndicator::startAnimation);
+    // Who can't see the bar is told by its name. It takes the keyboard, as what had it is disabled now;
+    // otherwise the focus would be nowhere.
+    tell(Progress(), &QWidget::setAccessibleName, tr("Searching for printers"));
+    giveFocusTo(Progress());
     tell(PrinterIP(), &ComboBox::removeAllItems);
     tell(PrinterIP(), &ComboBox::addItemWithObjectValue, QStringLiteral("Enter IP Address Manually"));
     tell(PrinterIP(), &ComboBox::selectItemAtIndex, 0);  // Calls didSelectIP, like the one in fillList.
@@ -135,6 +139,9 @@ void NetworkPrinterConfigPane::fillList(const QStringList& lines) {
         tell(PrinterIP(), &ComboBox::selectItemAtIndex, 0);
     }
     tell(Progress(), &ProgressIndicator::stopAnimation);
+    const qsizetype printers = items.isEmpty() ? 0 : items.count() - 1;
+    tell(Progress(), &QWidget::setAccessibleName, tr("Search finished. Printers found: %1").arg(printers));
+    focusFollowsSearch_ = ask(Progress(), &QWidget::hasFocus);
     tell(Progress(), &QWidget::setHidden, true);
 }
 
@@ -148,6 +155,9 @@ void NetworkPrinterConfigPane::allowChoosing() {
     tell(IPAddressText(), &TextField::setEditable, true);
     setPreviousEnabled(true);
     discovering_ = false;
+    if (focusFollowsSearch_) {
+        giveFocusTo(PrinterIP());  // Unless the person has gone elsewhere, the list is what comes next.
+    }
 }
 
 void NetworkPrinterConfigPane::didSelectIP() {
