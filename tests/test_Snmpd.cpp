@@ -1,0 +1,109 @@
+// Agents that nobody here wrote, on hosts of their own: net-snmp's snmpd in one network namespace each, on
+// the bridge lan0, found by the program that searches from a terminal.
+
+#include "support/Fixtures.h"
+#include "support/TestMain.h"
+
+#include <QTest>
+
+#include <memory>
+
+namespace {
+
+struct Outcome {
+    int status;
+    QStringList printers;
+};
+
+Outcome discover(const QStringList& arguments = {}) {
+    QProcess program;
+    program.start(programPath(QStringLiteral("kv-discover")), arguments);
+    program.waitForFinished();
+    QStringList lines = QString::fromUtf8(program.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts);
+    lines = lines.filter(QStringLiteral("Tovik "));
+    lines.sort();  // They come in the order in which the hosts answered.
+    return {program.exitStatus() == QProcess::NormalExit ? program.exitCode() : -1, lines};
+}
+
+}  // namespace
+
+class TestSnmpd : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void initTestCase() {
+        qputenv("PATH", "/usr/sbin:" + qgetenv("PATH"));
+        // Here the printers are other hosts: their addresses are not this one's.
+        run(QStringLiteral("ip route del local 10.0.0.0/24 dev lo"));
+        addHost(2, deviceId(QStringLiteral("LP1")));
+        QTRY_VERIFY(answers(2));
+    }
+
+    void findsNoneOfAnotherMaker() {
+        const Outcome outcome = discover();
+        QCOMPARE(outcome.printers, QStringList());
+        QCOMPARE(outcome.status, 1);
+        QVERIFY(takeLog(home_).contains(QStringLiteral("IP address is: 10.0.0.2")));
+    }
+
+    void findsTheSeries() {
+        addHost(3, deviceId(QStringLiteral("TVK KV260N")));
+        addHost(4, deviceId(QStringLiteral("KV460")));
+        QTRY_VERIFY(answers(3) && answers(4));
+        const Outcome outcome = discover();
+        QCOMPARE(outcome.printers, QStringList({QStringLiteral("Tovik KV260 @10.0.0.3"),
+                                                QStringLiteral("Tovik KV460 @10.0.0.4")}));
+        QCOMPARE(outcome.status, 0);
+    }
+
+    void refusesArguments() {
+        QCOMPARE(discover({QStringLiteral("10.0.0.3")}).status, 2);
+        QCOMPARE(discover({QStringLiteral("--unknown")}).status, 2);
+    }
+
+    void cleanupTestCase() {
+        for (const auto& agent : agents_) {
+            agent->terminate();
+            agent->waitForFinished();
+        }
+    }
+
+  private:
+    void run(const QString& command) {
+        QProcess process;
+        process.setProcessChannelMode(QProcess::ForwardedChannels);
+        process.startCommand(command);
+        QVERIFY2(process.waitForFinished() && process.exitCode() == 0, qPrintable(command));
+    }
+
+    void addHost(int number, const QString& id) {
+        for (const char* const command :
+             {"ip netns add host%1", "ip link add port%1 type veth peer name eth0 netns host%1",
+              "ip link set port%1 master lan0 up", "ip -n host%1 address add 10.0.0.%1/24 dev eth0",
+              "ip -n host%1 link set eth0 up"}) {
+            run(QString::fromLatin1(command).arg(number));
+        }
+        const QString config = home_.path() + QStringLiteral("/snmpd%1.conf").arg(number);
+        writeFile(config, "rocommunity public\noverride .1.3.6.1.4.1.2699.1.2.1.2.1.1.3.1 octet_str \"" +
+                              id.toUtf8() + "\"\n");
+        agents_.push_back(std::make_unique<QProcess>());
+        agents_.back()->setStandardErrorFile(QProcess::nullDevice());
+        agents_.back()->startCommand(
+            QStringLiteral("ip netns exec host%1 snmpd -f -Lo -C -c %2 udp:161").arg(number).arg(config));
+    }
+
+    /// Whether the agent has its socket; asking it would teach the bridge what discovery has to find out.
+    bool answers(int number) {
+        QProcess process;
+        process.startCommand(QStringLiteral("ip netns exec host%1 cat /proc/net/udp").arg(number));
+        process.waitForFinished();
+        return process.readAllStandardOutput().contains(":00A1 ");
+    }
+
+    TemporaryHome home_;
+    std::vector<std::unique_ptr<QProcess>> agents_;
+};
+
+QUAZEL_TEST_MAIN(TestSnmpd, QCoreApplication)
+
+#include "test_Snmpd.moc"
