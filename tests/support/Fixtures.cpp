@@ -65,6 +65,10 @@ QString deviceId(const QString& model) {
     return QStringLiteral("MFG:Tovik;CMD:X;MDL:%1;CLS:PRINTER;DES:card printer;SERN:A1").arg(model);
 }
 
+QString sourcePath(const QString& path) {
+    return QStringLiteral(QUAZEL_SOURCE_DIR "/") + path;
+}
+
 QString programPath(const QString& name) {
     return QStringLiteral(QUAZEL_BIN_DIR "/") + name;
 }

@@ -50,5 +50,8 @@ class VirtualPrinters {
 /// A complete device id of the series' form with the given model text.
 [[nodiscard]] QString deviceId(const QString& model);
 
+/// A file of the source tree, by its path in it.
+[[nodiscard]] QString sourcePath(const QString& path);
+
 /// A program of the build, by its name.
 [[nodiscard]] QString programPath(const QString& name);
