@@ -25,3 +25,9 @@ bool hasPrivateNetwork() {
     }
     return true;
 }
+
+void useNoDisplay() {
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
+}

@@ -12,6 +12,9 @@ inline constexpr int testSkipped = 77;
 /// when not.
 [[nodiscard]] bool hasPrivateNetwork();
 
+/// Widgets are drawn off screen, unless QT_QPA_PLATFORM says where.
+void useNoDisplay();
+
 #ifdef QUAZEL_NETWORK_TEST
 inline constexpr bool needsPrivateNetwork = true;
 #else
@@ -23,6 +26,7 @@ inline constexpr bool needsPrivateNetwork = false;
         if (needsPrivateNetwork && !hasPrivateNetwork()) { \
             return testSkipped;                            \
         }                                                  \
+        useNoDisplay();                                    \
         Application application(argc, argv);               \
         Class test;                                        \
         return QTest::qExec(&test, argc, argv);            \

@@ -1,0 +1,103 @@
+#include "support/PageFixtures.h"
+
+#include "NetworkPrinterConfig/Beep.h"
+#include "NetworkPrinterConfig/controls/ComboBox.h"
+#include "discovery/PrinterDiscovery.h"
+
+#include <QApplication>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTest>
+
+#include <cstring>
+#include <memory>
+#include <mutex>
+#include <utility>
+
+namespace {
+
+std::mutex linesMutex;
+QStringList lines;  // guarded by linesMutex: the discovery thread writes to the system log, too
+QtMessageHandler usualHandler = nullptr;
+
+void recordLine(QtMsgType type, const QMessageLogContext& context, const QString& message) {
+    if (context.category != nullptr && std::strcmp(context.category, "quazel.page") == 0) {
+        const std::lock_guard lock(linesMutex);
+        lines += message;
+    } else {
+        usualHandler(type, context, message);
+    }
+}
+
+}  // namespace
+
+SystemLogRecorder::SystemLogRecorder() {
+    usualHandler = qInstallMessageHandler(recordLine);
+}
+
+SystemLogRecorder::~SystemLogRecorder() {
+    qInstallMessageHandler(usualHandler);
+}
+
+QStringList SystemLogRecorder::take() {
+    const std::lock_guard lock(linesMutex);
+    return std::exchange(lines, {});
+}
+
+BeepCounter::BeepCounter() {
+    setBeep([this] { ++count_; });
+}
+
+BeepCounter::~BeepCounter() {
+    setBeep({});
+}
+
+int BeepCounter::take() {
+    return std::exchange(count_, 0);
+}
+
+AlertReader::AlertReader() {
+    connect(&timer_, &QTimer::timeout, this, &AlertReader::closeAlert);
+    timer_.start(5);
+}
+
+QStringList AlertReader::take() {
+    return std::exchange(alerts_, {});
+}
+
+void AlertReader::closeAlert() {
+    auto* const alert = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+    if (alert == nullptr || !alert->isVisible()) {
+        return;
+    }
+    QStringList texts{alert->text(), alert->informativeText()};
+    for (const QAbstractButton* const button : alert->buttons()) {
+        texts += button->text();
+    }
+    alerts_ += texts.join(QLatin1Char('|'));
+    switch (closed_++ % 3) {
+        case 0:
+            QTest::keyClick(alert, Qt::Key_Return);
+            break;
+        case 1:
+            QTest::keyClick(alert, Qt::Key_Escape);
+            break;
+        default:
+            QTest::mouseClick(alert->buttons().constFirst(), Qt::LeftButton);
+    }
+}
+
+void setFoundPrinters(const QStringList& printers) {
+    g_PrinterList = std::make_shared<QStringList>(QStringLiteral("Enter IP Address Manually\n"));
+    for (const QString& printer : printers) {
+        g_PrinterList->append(printer + QLatin1Char('\n'));
+    }
+}
+
+QStringList itemsOf(const ComboBox& list) {
+    QStringList items;
+    for (int index = 0; index < list.count(); ++index) {
+        items += list.itemText(index);
+    }
+    return items;
+}

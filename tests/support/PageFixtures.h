@@ -1,0 +1,61 @@
+// What the tests of the page and of the window stand on: the system log read back, beeps counted, alerts
+// closed as a person closes them.
+
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QStringList>
+#include <QTimer>
+
+class ComboBox;
+
+/// Keeps the page's lines for the system log as long as it lives; every other message goes the usual way.
+class SystemLogRecorder {
+  public:
+    SystemLogRecorder();
+    SystemLogRecorder(const SystemLogRecorder&) = delete;
+    SystemLogRecorder& operator=(const SystemLogRecorder&) = delete;
+    ~SystemLogRecorder();
+
+    /// The lines since the last call.
+    [[nodiscard]] QStringList take();
+};
+
+/// Counts the beeps of the page and keeps them silent.
+class BeepCounter {
+  public:
+    BeepCounter();
+    BeepCounter(const BeepCounter&) = delete;
+    BeepCounter& operator=(const BeepCounter&) = delete;
+    ~BeepCounter();
+
+    [[nodiscard]] int take();
+
+  private:
+    int count_ = 0;
+};
+
+/// Sits in front of the screen and closes each alert by Return, by Escape and by a click in turn.
+class AlertReader : public QObject {
+    Q_OBJECT
+
+  public:
+    AlertReader();
+
+    /// The alerts since the last call, each as "message text|informative text|buttons".
+    [[nodiscard]] QStringList take();
+
+  private:
+    void closeAlert();
+
+    QStringList alerts_;
+    int closed_ = 0;
+    QTimer timer_;
+};
+
+/// The found list with the manual entry and these printers, such as "Tovik KV260 @10.0.0.5".
+void setFoundPrinters(const QStringList& printers);
+
+/// The items of a list, in order.
+[[nodiscard]] QStringList itemsOf(const ComboBox& list);
