@@ -9,40 +9,8 @@
 #include <QPushButton>
 #include <QTest>
 
-#include <cstring>
 #include <memory>
-#include <mutex>
 #include <utility>
-
-namespace {
-
-std::mutex linesMutex;
-QStringList lines;  // guarded by linesMutex: the discovery thread writes to the system log, too
-QtMessageHandler usualHandler = nullptr;
-
-void recordLine(QtMsgType type, const QMessageLogContext& context, const QString& message) {
-    if (context.category != nullptr && std::strcmp(context.category, "quazel.page") == 0) {
-        const std::lock_guard lock(linesMutex);
-        lines += message;
-    } else {
-        usualHandler(type, context, message);
-    }
-}
-
-}  // namespace
-
-SystemLogRecorder::SystemLogRecorder() {
-    usualHandler = qInstallMessageHandler(recordLine);
-}
-
-SystemLogRecorder::~SystemLogRecorder() {
-    qInstallMessageHandler(usualHandler);
-}
-
-QStringList SystemLogRecorder::take() {
-    const std::lock_guard lock(linesMutex);
-    return std::exchange(lines, {});
-}
 
 BeepCounter::BeepCounter() {
     setBeep([this] { ++count_; });

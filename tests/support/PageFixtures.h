@@ -1,5 +1,5 @@
-// What the tests of the page and of the window stand on: the system log read back, beeps counted, alerts
-// closed as a person closes them.
+// What the tests of the page and of the window stand on: beeps counted, alerts closed as a person closes
+// them, and a found list.
 
 #pragma once
 
@@ -9,18 +9,6 @@
 #include <QTimer>
 
 class ComboBox;
-
-/// Keeps the page's lines for the system log as long as it lives; every other message goes the usual way.
-class SystemLogRecorder {
-  public:
-    SystemLogRecorder();
-    SystemLogRecorder(const SystemLogRecorder&) = delete;
-    SystemLogRecorder& operator=(const SystemLogRecorder&) = delete;
-    ~SystemLogRecorder();
-
-    /// The lines since the last call.
-    [[nodiscard]] QStringList take();
-};
 
 /// Counts the beeps of the page and keeps them silent.
 class BeepCounter {
