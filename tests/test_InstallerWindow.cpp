@@ -1,0 +1,123 @@
+// The window that goes from page to page: who decides, what the keys do, when the buttons may be pressed.
+
+#include "Installer/InstallerWindow.h"
+#include "Installer/IntroductionPane.h"
+#include "Installer/SummaryPane.h"
+#include "support/Fixtures.h"
+#include "support/TestMain.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Notes its calls, and lets the person go as it was told.
+class Page : public InstallerPane {
+  public:
+    Page(const QString& name, QStringList& calls) : name_(name), calls_(calls) {
+        setContentWidget(new QLineEdit);
+    }
+
+    [[nodiscard]] QString title() const override { return name_; }
+    void didEnterPane(InstallerDirection direction) override {
+        calls_ += name_ + u" entered %1"_s.arg(direction);
+    }
+    [[nodiscard]] bool shouldExitPane(InstallerDirection direction) override {
+        calls_ += name_ + u" left %1"_s.arg(direction);
+        return letsGo_;
+    }
+    void setLetsGo(bool letsGo) { letsGo_ = letsGo; }
+
+  private:
+    QString name_;
+    QStringList& calls_;
+    bool letsGo_ = true;
+};
+
+}  // namespace
+
+class TestInstallerWindow : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void pagesDecide() {
+        QStringList calls;
+        auto* const first = new Page(u"first"_s, calls);
+        auto* const second = new Page(u"second"_s, calls);
+        InstallerWindow window({first, second, new Page(u"last"_s, calls)});
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        auto* const next = window.findChild<QPushButton*>(u"next"_s);
+        auto* const back = window.findChild<QPushButton*>(u"back"_s);
+        const auto* const steps = window.findChild<QListWidget*>(u"steps"_s);
+        const auto heading = [&] { return window.findChild<QLabel*>(u"heading"_s)->text(); };
+        const auto take = [&] { return std::exchange(calls, {}).join(u", "_s); };
+        QCOMPARE(steps->count(), 3);
+        QCOMPARE(take(), u"first entered 0"_s);
+        QVERIFY(!back->isEnabled() && next->isDefault());
+
+        QTest::keyClick(window.focusWidget(), Qt::Key_Return);  // In the page's own field.
+        QCOMPARE(take(), u"first left 0, second entered 0"_s);
+        QCOMPARE(heading(), u"second"_s);
+        QTest::keyClick(window.focusWidget(), Qt::Key_Escape);
+        QVERIFY(window.isVisible());
+
+        second->setNextEnabled(false);
+        second->setPreviousEnabled(false);
+        QVERIFY(!next->isEnabled() && !back->isEnabled());
+        QTest::keyClick(window.focusWidget(), Qt::Key_Return);
+        first->setNextEnabled(false);  // Not the page that is shown.
+        second->setNextEnabled(true);
+        second->setPreviousEnabled(true);
+        QVERIFY(next->isEnabled() && back->isEnabled());
+        first->setNextEnabled(true);
+        QCOMPARE(take(), QString());
+
+        second->setLetsGo(false);
+        QTest::mouseClick(next, Qt::LeftButton);
+        QTest::mouseClick(back, Qt::LeftButton);
+        QCOMPARE(take(), u"second left 0, second left 1"_s);
+        QCOMPARE(heading(), u"second"_s);
+
+        second->setLetsGo(true);
+        QTest::mouseClick(back, Qt::LeftButton);
+        QTest::mouseClick(next, Qt::LeftButton);
+        QTest::mouseClick(next, Qt::LeftButton);
+        QCOMPARE(
+            take(),
+            u"second left 1, first entered 1, first left 0, second entered 0, second left 0, last entered 0"_s);
+        QCOMPARE(next->text(), u"&Close"_s);
+        QCOMPARE(steps->currentRow(), 2);
+        QTest::keyClick(window.focusWidget(), Qt::Key_Return);
+        QVERIFY(!window.isVisible());
+    }
+
+    void outerPagesTellWhatIsThere() {
+        const TemporaryHome home;
+        const IntroductionPane sound{QString()};
+        const IntroductionPane faulty(u"Trouble."_s);
+        const auto problem = [](const InstallerPane& pane) {
+            return pane.contentWidget()->findChild<QLabel*>(u"problem"_s);
+        };
+        QVERIFY(problem(sound) == nullptr);
+        QCOMPARE(problem(faulty)->text(), u"Trouble."_s);
+
+        SummaryPane summary;
+        const auto text = [&] { return summary.contentWidget()->findChild<QLabel*>(u"summary"_s)->text(); };
+        summary.didEnterPane(InstallerDirectionForward);
+        QVERIFY(text().startsWith(u"No network printer"_s));
+        writeFile(home.selectionFile(), "KV260 10.0.0.5");
+        summary.didEnterPane(InstallerDirectionForward);
+        QVERIFY(text().contains(u"Model:\tKV260\nAddress:\t10.0.0.5"_s));
+    }
+};
+
+QUAZEL_TEST_MAIN(TestInstallerWindow, QApplication)
+
+#include "test_InstallerWindow.moc"
