@@ -94,8 +94,8 @@ class TestInstalledPrinters : public QObject {
     void initTestCase() {
         QMap<QString, QByteArray> ppds;
         for (const Queue& queue : queues) {
-            ppds[queue.name] = queue.pcFileNames.isEmpty() ? QByteArray("no PPD\n")
-                                                           : PrivateCupsd::ppd(queue.pcFileNames);
+            ppds[queue.name] =
+                queue.pcFileNames.isEmpty() ? QByteArray("no PPD\n") : PrivateCupsd::ppd(queue.pcFileNames);
             if (!queue.hasPpd) {
                 ppds[queue.name] = QByteArray();
             }
