@@ -69,6 +69,7 @@ int main(int argc, char** argv) {
     QCoreApplication::setOrganizationName(QStringLiteral("Tovik"));
     QCoreApplication::setApplicationName(QStringLiteral("quazel-installer"));
     QCoreApplication::setApplicationVersion(QStringLiteral(QUAZEL_VERSION));
+    QGuiApplication::setDesktopFileName(QStringLiteral("com.tovik.quazel-installer"));
 
     QCommandLineParser parser;
     parser.setApplicationDescription(

@@ -1,5 +1,6 @@
 #include "NetworkPrinterConfig/Alert.h"
 
+#include <QLabel>
 #include <QMessageBox>
 
 void runAlert(QWidget* parent, const QString& messageText, const QString& informativeText) {
@@ -9,6 +10,12 @@ void runAlert(QWidget* parent, const QString& messageText, const QString& inform
     alert.setTextFormat(Qt::PlainText);
     alert.setText(messageText);
     alert.setInformativeText(informativeText);
+    // The message stands out from what explains it, also in styles that leave that to the program.
+    if (auto* const message = alert.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"))) {
+        QFont font = message->font();
+        font.setBold(true);
+        message->setFont(font);
+    }
     alert.setDefaultButton(alert.addButton(QStringLiteral("Ok"), QMessageBox::AcceptRole));
     alert.exec();
 }

@@ -1,8 +1,11 @@
 #include "NetworkPrinterConfig/controls/TextField.h"
 
+#include <QEvent>
+#include <QPalette>
 #include <QValidator>
 
 TextField::TextField(QWidget* parent) : QLineEdit(parent) {
+    keepPlaceholderReadable();
     connect(this, &QLineEdit::textEdited, this, [this] {
         if (!isBeingEdited_) {
             isBeingEdited_ = true;
@@ -31,4 +34,21 @@ void TextField::setEditable(bool editable) {
 void TextField::setFormatter(QValidator* formatter) {
     formatter->setParent(this);
     setValidator(formatter);
+}
+
+void TextField::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::ApplicationPaletteChange) {
+        keepPlaceholderReadable();
+    }
+    QLineEdit::changeEvent(event);
+}
+
+/// Some desktops' dark palettes leave the placeholder's colour as it was for a light one.
+void TextField::keepPlaceholderReadable() {
+    constexpr float strength = 0.65F;
+    QPalette colours = palette();
+    QColor quiet = colours.color(QPalette::Active, QPalette::Text);
+    quiet.setAlphaF(strength);
+    colours.setColor(QPalette::PlaceholderText, quiet);
+    setPalette(colours);
 }

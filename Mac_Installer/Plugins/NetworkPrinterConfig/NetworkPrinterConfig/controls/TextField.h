@@ -5,7 +5,7 @@
 #include <QLineEdit>
 #include <QString>
 
-class QFocusEvent;
+class QEvent;
 class QValidator;
 
 class TextField : public QLineEdit {
@@ -31,6 +31,11 @@ class TextField : public QLineEdit {
     void didBeginEditing();
     void didEndEditing();
 
+  protected:
+    void changeEvent(QEvent* event) override;
+
   private:
+    void keepPlaceholderReadable();
+
     bool isBeingEdited_ = false;
 };
