@@ -1,6 +1,7 @@
 // kv-discover: the page's search for printers, on a terminal, for support staff.
 
 #include "discovery/PrinterDiscovery.h"
+#include "handoff/DiagnosticLog.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -29,11 +30,13 @@ int main(int argc, char** argv) {
     QCoreApplication::setApplicationVersion(QStringLiteral(QUAZEL_VERSION));
 
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral(
-        "Searches this machine's networks for Tovik KV card printers and prints them, one a line, after the "
-        "model\n"
-        "texts of all printers that answered. The steps are in QzInstall.log in the documents folder.\n\n"
-        "Exit status: 0 when a printer was found, 1 when none was, 2 for wrong usage."));
+    parser.setApplicationDescription(
+        QStringLiteral("Searches this machine's networks for Tovik KV card printers and prints them, one a "
+                       "line, after the model\n"
+                       "texts of all printers that answered. The steps are in QzInstall.log in the documents "
+                       "folder; an earlier\n"
+                       "log is kept there under the date and time of its last record.\n\n"
+                       "Exit status: 0 when a printer was found, 1 when none was, 2 for wrong usage."));
     parser.addHelpOption();
     parser.addVersionOption();
     if (!parser.parse(QCoreApplication::arguments()) || !parser.positionalArguments().isEmpty()) {
@@ -44,6 +47,7 @@ int main(int argc, char** argv) {
     }
     parser.process(application);  // Answers --help and --version.
 
+    keepEarlierLog();
     GetTovikQuazelPrinters();
     return printPrinters();
 }

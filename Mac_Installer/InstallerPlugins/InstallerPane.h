@@ -3,7 +3,8 @@
 // Order of calls, all on the main thread: awakeFromNib() once, by the page's own factory, as soon as its
 // controls exist and are connected; then at each showing title() and didEnterPane(); the person's clicks and
 // keys; and shouldExitPane() when the person presses Continue or Go Back. The installer may destroy the page
-// at any moment in between, whatever the page is doing.
+// at any moment between two calls, whatever the page is doing on threads of its own; never during a call, nor
+// from a signal of the page.
 
 #pragma once
 

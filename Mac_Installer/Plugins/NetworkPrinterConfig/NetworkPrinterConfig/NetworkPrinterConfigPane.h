@@ -116,7 +116,7 @@ class NetworkPrinterConfigPane : public InstallerPane {
     /// store: it is null again once the text's owner has let go of it.
     [[nodiscard]] QString g_selectedPrinterModel() const { return g_selectedPrinterModel_.load(); }
     [[nodiscard]] QPushButton* RefreshButton() const { return RefreshButton_.load(); }
-    /// Whether an item of the list was chosen, so that a model change follows it.
+    /// Whether an item of the list was chosen, so that its address goes into the text field.
     [[nodiscard]] bool g_ChangeTextBoxText() const { return g_ChangeTextBoxText_; }
     [[nodiscard]] bool g_deSelectCell() const { return g_deSelectCell_; }
     /// The model column, 0 to 3, last taken from a chosen item.
@@ -137,6 +137,10 @@ class NetworkPrinterConfigPane : public InstallerPane {
     void setG_SelectedCell(qint64 column) { g_SelectedCell_ = column; }
 
   private:
+    static constexpr int networkTypeRow = 1;
+    /// Whether a list item is the invitation to type an address.
+    [[nodiscard]] static bool isManualEntry(const QString& item);
+
     // Lifecycle
     void makeContent();
     void connectOutlets();

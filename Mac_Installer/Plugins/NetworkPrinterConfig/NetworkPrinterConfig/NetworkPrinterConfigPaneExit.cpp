@@ -15,12 +15,6 @@
 
 namespace {
 
-constexpr int networkTypeRow = 1;
-
-bool isManualEntry(const QString& item) {
-    return item.startsWith(QStringLiteral("Enter"));
-}
-
 /// The catalog row of a model column, or null outside 0 to 3.
 const CatalogRow* rowOfColumn(qint64 column) {
     return column >= 0 && column < static_cast<qint64>(modelCount)

@@ -107,6 +107,7 @@ void NetworkPrinterConfigPane::awakeFromNib() {
         connect(list, &ComboBox::willPopUp, this, &Pane::ComboBoxGotFocus);
     }
     if (TextField* const address = IPAddressText()) {
+        // These connections are what makes the page the field's delegate.
         connect(address, &TextField::didEndEditing, this, &Pane::didIPTextBoxKeyPress);
         connect(address, &TextField::didBeginEditing, this, &Pane::IPTextBoxGotFocus);
         address->setFormatter(new OnlyIntegerValueFormatter);
@@ -154,8 +155,8 @@ void NetworkPrinterConfigPane::giveFocusTo(QWidget* control) {
     }
 }
 
-/// Gives a text an owner that lets go of it as soon as the program is back in its event loop: long enough for
-/// the call chain that made it, and no longer.
+/// /// Gives a text an owner that lets go of it as soon as the program is back in an event loop, that of an
+/// alert included: long enough for the look-up that made it, and no longer.
 std::shared_ptr<const QString> NetworkPrinterConfigPane::keepUntilEventEnds(const QString& text) {
     if (textsOfThisEvent_.empty()) {
         QMetaObject::invokeMethod(

@@ -14,8 +14,6 @@
 
 namespace {
 
-constexpr int networkTypeRow = 1;
-
 /// Called with each entry of the found list, in order, before it becomes part of the lines.
 using EntryVisitor = void (*)(const QString& entry);
 
@@ -34,6 +32,10 @@ QStringList listLines(EntryVisitor visit) {
 }
 
 }  // namespace
+
+bool NetworkPrinterConfigPane::isManualEntry(const QString& item) {
+    return item.startsWith(QStringLiteral("Enter"));
+}
 
 void NetworkPrinterConfigPane::PrinterTypeClicked() {
     const int row = ask(radiobtnPrinterType(), &RadioMatrix::selectedRow);
@@ -171,7 +173,7 @@ void NetworkPrinterConfigPane::didSelectIP() {
         tDebugPrint("IP String is equal to NULL\n");
         tell(IPAddressText(), &TextField::setEditable, false);
         tell(IPAddressText(), &QWidget::setEnabled, false);
-    } else if (selected.startsWith(QStringLiteral("Enter"))) {
+    } else if (isManualEntry(selected)) {
         tell(IPAddressText(), &TextField::setStringValue, QString());
         tell(IPAddressText(), &TextField::setEditable, true);
         tell(IPAddressText(), &QWidget::setEnabled, true);

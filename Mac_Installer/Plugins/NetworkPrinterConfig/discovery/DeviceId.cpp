@@ -27,7 +27,7 @@ std::optional<DeviceIdText> findDeviceIdText(std::span<const char> reply) {
     const std::string_view rest = bytes.substr(start);
     const std::string_view id = rest.substr(0, rest.find('\0'));
     if (id.size() >= deviceIdTextSize) {
-        return std::nullopt;  // A printer with such an id is none of the series; the others still count.
+        return std::nullopt;  // The printer is passed over; the others still count.
     }
     DeviceIdText text{};
     std::copy(id.begin(), id.end(), text.begin());

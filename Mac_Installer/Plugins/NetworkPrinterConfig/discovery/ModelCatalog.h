@@ -28,8 +28,8 @@ inline constexpr std::array<CatalogRow, modelCount> modelCatalog{{
 /// `model` is NUL-terminated and not null. Any thread.
 [[nodiscard]] bool IsQuazel(const char* model);
 
-/// The model name of an accepted model text: the first row whose number part occurs in it, or null for a text
-/// that IsQuazel does not accept. Any thread.
+/// /// The model name of a model text that IsQuazel accepted: the first row whose number part occurs in it;
+/// null when none does, which no accepted text leads to. Any thread.
 [[nodiscard]] const char* modelNameOfAcceptedText(const char* model);
 
 /// Whether a value of the PPD attribute PCFileName is one of the series' four, byte for byte; null is not.

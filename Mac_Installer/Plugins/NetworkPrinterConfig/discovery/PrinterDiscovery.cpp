@@ -12,7 +12,6 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <optional>
 
 std::shared_ptr<QStringList> g_PrinterList;
@@ -43,9 +42,7 @@ void examineResponder(in_addr responder) {
     std::array<char, maximumReplySize> reply{};
     const ssize_t received = askForDeviceId(responder, reply);
     if (received < 0) {
-        const int error = errno;
-        std::perror("recev");
-        tDebugPrint("Cant able to receive anything %s\n", std::strerror(error));
+        reportFailedReceive();
         return;
     }
     addPrinterOfReply(std::span(reply).first(static_cast<std::size_t>(received)), responder);

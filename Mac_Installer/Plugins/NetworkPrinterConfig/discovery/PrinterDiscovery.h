@@ -14,16 +14,16 @@
 #include <span>
 #include <stop_token>
 
-/// The printers of the last run, null until the first: "Enter IP Address Manually\n", then one "Tovik %s
-/// @%s\n" a printer (model name, dotted decimal address), each ending in a line feed, none twice. Replaced by
-/// each run; nobody reads it while one is in progress.
+/// The printers of the last run, null until the first: "Enter IP Address Manually\n", then for each printer,
+/// none twice, "Tovik %s @%s\n" with the model name and the address in dotted decimal. Replaced by each run;
+/// nobody reads it while one is in progress.
 extern std::shared_ptr<QStringList> g_PrinterList;
 
 /// One run. Blocks; nothing is reported but the list and the diagnostic log. Any thread, one run at a time.
 void GetTovikQuazelPrinters();
 
-/// The same, for a caller that may have to leave: once `leaving` is requested the run ends within a second,
-/// with the list as far as it has come.
+/// The same, for a caller that may have to leave: once `leaving` is requested the run ends within a second or
+/// one Timeout, whichever is longer, with the list as far as it has come.
 void GetTovikQuazelPrinters(const std::stop_token& leaving);
 
 /// Adds the printer that sent `reply` to g_PrinterList, which is not null, if it is one of the series and not

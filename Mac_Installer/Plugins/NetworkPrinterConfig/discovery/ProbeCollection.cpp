@@ -11,6 +11,7 @@
 #include <sys/select.h>
 #include <sys/time.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -59,7 +60,8 @@ int waitForDatagram(int descriptor) {
     if (descriptor >= 0) {
         FD_SET(descriptor, &readable);
     }
-    timeval wait{Timeout / 1000, 0};  // Set before every call: Linux leaves the remaining time in it.
+    timeval wait{std::max(Timeout / 1000, 0),
+                 0};  // Set before every call: Linux leaves the remaining time in it.
     errno = 0;
     return ::select(descriptor + 1, &readable, nullptr, nullptr, &wait);
 }
@@ -72,9 +74,7 @@ void receiveReply(int descriptor, ResponderTable& responders) {
     const ssize_t received = ::recvfrom(descriptor, reply.data(), reply.size(), 0,
                                         reinterpret_cast<sockaddr*>(&source), &sourceLength);
     if (received < 0) {
-        const int error = errno;
-        std::perror("recev");
-        tDebugPrint("Cant able to receive anything %s\n", std::strerror(error));
+        reportFailedReceive();
         ++responders.failedReceives;
         return;
     }
@@ -116,6 +116,12 @@ void probeFrom(in_addr local, const char* localText, ResponderTable& responders,
 }
 
 }  // namespace
+
+void reportFailedReceive() {
+    const int error = errno;
+    std::perror("recev");
+    tDebugPrint("Cant able to receive anything %s\n", std::strerror(error));
+}
 
 void collectResponders(ResponderTable& responders, const std::stop_token& leaving) {
     ifaddrs* list = nullptr;

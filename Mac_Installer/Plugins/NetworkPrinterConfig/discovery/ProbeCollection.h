@@ -37,6 +37,9 @@ struct ResponderTable {
     }
 };
 
+/// Tells standard error and the diagnostic log why a receive failed, which errno says. Any thread.
+void reportFailedReceive();
+
 /// Sends the probes and fills `responders`. Blocks for at least Timeout per local address; each datagram
 /// starts the wait anew. Ends within one Timeout after `leaving` is requested. Without a list of interfaces
 /// nothing is sent and nothing is logged. Any thread, one at a time.

@@ -6,7 +6,10 @@
 #include "platform/SystemLog.h"
 
 #include <QByteArray>
+#include <QDateTime>
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 #include <unistd.h>
 
@@ -14,9 +17,17 @@
 #include <cstdio>
 #include <memory>
 
+namespace {
+
+/// Without a documents folder this is "(null)/QzInstall.log", relative to the working directory.
+QString logFilePath() {
+    return stringWithFormat(u"%@/QzInstall.log", {documentsDirectory()});
+}
+
+}  // namespace
+
 QString GetDocumentPath() {
-    // Without a documents folder this is "(null)/QzInstall.log", relative to the working directory.
-    QString path = stringWithFormat(u"%@/QzInstall.log", {documentsDirectory()});
+    QString path = logFilePath();
     const FileError error = removeItemAtPath(path);
     if (error.code != FileError::none && error.code != FileError::noSuchFile) {
         // The prefix is what support staff look for, although it names the one error that is not reported.
@@ -44,6 +55,15 @@ void tDebugPrint(const char* format, ...) {
     std::fputs("\t", log.get());
     va_list arguments;
     va_start(arguments, format);
-    std::vfprintf(log.get(), format, arguments);  // NOLINT(clang-analyzer-valist.Uninitialized): it is
+    std::vfprintf(log.get(), format, arguments);  // NOLINT(clang-analyzer-valist.Uninitialized)
     va_end(arguments);
+}
+
+void keepEarlierLog() {
+    const QFileInfo log(logFilePath());
+    if (!log.isFile()) {
+        return;
+    }
+    const QString time = log.lastModified().toString(QStringLiteral("yyyy-MM-dd-HHmmss"));
+    QFile::rename(log.filePath(), log.dir().filePath(QStringLiteral("QzInstall-%1.log").arg(time)));
 }

@@ -18,3 +18,9 @@ void tDebugPrint(const char* format, ...) __attribute__((format(printf, 1, 2)));
 /// The full path of the log file. Removes any existing file there before it returns, so it is for tDebugPrint
 /// alone.
 [[nodiscard]] QString GetDocumentPath();
+
+/// Moves the log of an earlier process aside, to QzInstall-DATE-TIME.log beside it, where DATE and TIME are
+/// those of its last record in local time. For programs whose own log must not cost the person the
+/// installer's. Called before the first tDebugPrint; does nothing when there is no log, and leaves it in
+/// place when it can't be moved.
+void keepEarlierLog();

@@ -12,7 +12,7 @@
 /// was.
 void writeToTextFile(const QString& line);
 
-/// Removes the file. Any failure but its absence goes to the system log.
+/// Removes the file. Any outcome but its absence leaves a line in the system log; a success leaves "(null)".
 void RemoveFile();
 
 /// The whole text of the file at `path` as UTF-8: the empty string when nothing is there, null when it can't

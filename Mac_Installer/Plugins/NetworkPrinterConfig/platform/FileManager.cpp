@@ -57,7 +57,8 @@ QString stringWithContentsOfFile(const QString& path) {
     if (file.error() != QFileDevice::NoError) {
         return {};
     }
-    QStringDecoder decoder(QStringConverter::Utf8, QStringConverter::Flag::Stateless);
+    QStringDecoder decoder(QStringConverter::Utf8,
+                           QStringConverter::Flag::Stateless | QStringConverter::Flag::ConvertInitialBom);
     const QString text = decoder(bytes);
     if (decoder.hasError()) {
         return {};

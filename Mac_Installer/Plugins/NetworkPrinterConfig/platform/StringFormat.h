@@ -10,11 +10,14 @@
 #include <concepts>
 #include <initializer_list>
 
+/// How a null text shows.
+inline constexpr const char* nullText = "(null)";
+
 /// One argument of an object format: a string (null shows as "(null)"), a whole number, or a truth value (1
 /// or 0).
 class FormatArgument {
   public:
-    FormatArgument(const QString& text) : text_(text.isNull() ? QStringLiteral("(null)") : text) {}
+    FormatArgument(const QString& text) : text_(text.isNull() ? QString::fromLatin1(nullText) : text) {}
     template <std::integral Number>
     FormatArgument(Number number) : text_(QString::number(static_cast<qint64>(number))) {}
 
@@ -32,7 +35,7 @@ class FormatArgument {
 /// "%s" from reading through a null pointer.
 class UTF8String {
   public:
-    explicit UTF8String(const QString& text) : bytes_(text.isNull() ? QByteArray("(null)") : text.toUtf8()) {}
+    explicit UTF8String(const QString& text) : bytes_(text.isNull() ? QByteArray(nullText) : text.toUtf8()) {}
 
     /// Valid as long as this object.
     [[nodiscard]] const char* c_str() const { return bytes_.constData(); }
@@ -43,5 +46,5 @@ class UTF8String {
 
 /// The same for a C string that may be null.
 [[nodiscard]] inline const char* textOrNull(const char* text) {
-    return text == nullptr ? "(null)" : text;
+    return text == nullptr ? nullText : text;
 }

@@ -11,7 +11,7 @@ class ProgressIndicator : public QProgressBar {
   public:
     explicit ProgressIndicator(QWidget* parent = nullptr);
 
-    /// The animation runs off the main thread's timers, which stay free as long as the work is done
+    /// The animation is driven by the main thread's timers, which stay free as long as the work is done
     /// elsewhere.
     void startAnimation();
     void stopAnimation();

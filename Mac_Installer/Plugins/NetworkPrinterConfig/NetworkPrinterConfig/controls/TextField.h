@@ -27,7 +27,7 @@ class TextField : public QLineEdit {
     void setFormatter(QValidator* formatter);
 
   signals:
-    /// The person's first change since the field got the focus, or since editing ended.
+    /// The person's first change since editing last ended.
     void didBeginEditing();
     void didEndEditing();
 
