@@ -9,6 +9,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QScopedValueRollback>
+#include <QScreen>
 #include <QScrollArea>
 #include <QStackedWidget>
 #include <QVBoxLayout>
@@ -92,6 +93,12 @@ void InstallerWindow::keyPressEvent(QKeyEvent* event) {
     if (event->key() != Qt::Key_Escape) {
         QDialog::keyPressEvent(event);
     }
+}
+
+void InstallerWindow::resizeToScreen() {
+    const QSize frame(16, 48);  // What a window manager may put around it; known only once it is shown.
+    const QSize comfortable = sizeHint().expandedTo({720, 540});
+    resize(comfortable.boundedTo(screen()->availableSize() - frame));
 }
 
 void InstallerWindow::addStep(InstallerPane* page) {

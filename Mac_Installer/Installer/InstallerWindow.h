@@ -31,6 +31,9 @@ class InstallerWindow : public QDialog {
 
     [[nodiscard]] int currentStep() const { return current_; }
 
+    /// Takes a comfortable size, but none larger than the screen.
+    void resizeToScreen();
+
   protected:
     /// Return presses the button that goes on, as in every dialog; Escape does not end an installation.
     void keyPressEvent(QKeyEvent* event) override;

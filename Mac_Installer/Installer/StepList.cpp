@@ -68,12 +68,14 @@ QLabel* makeBanner(QWidget* parent) {
     auto* const banner = new QLabel(parent);
     banner->setAlignment(Qt::AlignCenter);
     banner->setPixmap(QIcon(QStringLiteral(":/installer/banner.svg")).pixmap(150, 100));
+    // It takes what room is left, and asks for none.
+    banner->setMinimumSize(1, 1);
     return banner;
 }
 
 }  // namespace
 
-StepList::StepList(QWidget* parent) : QFrame(parent), column_(new QVBoxLayout) {
+StepList::StepList(QWidget* parent) : QFrame(parent), column_(new QVBoxLayout), banner_(makeBanner(this)) {
     setFrameShape(QFrame::StyledPanel);
     setAutoFillBackground(true);
     setBackgroundRole(QPalette::Base);
@@ -84,7 +86,16 @@ StepList::StepList(QWidget* parent) : QFrame(parent), column_(new QVBoxLayout) {
     whole->setContentsMargins(16, 16, 16, 16);
     whole->addLayout(column_);
     whole->addStretch();
-    whole->addWidget(makeBanner(this));
+    whole->addWidget(banner_);
+}
+
+void StepList::resizeEvent(QResizeEvent* event) {
+    QFrame::resizeEvent(event);
+    const int needed =
+        column_->sizeHint().height() + banner_->pixmap().deviceIndependentSize().toSize().height();
+    const int room =
+        contentsRect().height() - layout()->contentsMargins().top() - layout()->contentsMargins().bottom();
+    banner_->setVisible(room >= needed);  // Half a picture is worse than none.
 }
 
 void StepList::addStep(const QString& title) {

@@ -23,6 +23,9 @@ class StepList : public QFrame {
     /// `step` counts from 0.
     void setCurrentStep(int step);
 
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
+
   private:
     struct Step {
         StepMark* mark;
@@ -30,5 +33,6 @@ class StepList : public QFrame {
     };
 
     QVBoxLayout* column_;
+    QLabel* banner_;
     std::vector<Step> steps_;  // children
 };

@@ -57,7 +57,7 @@ int runInstaller(const QString& pluginFolder) {
     pages.push_back(new SummaryPane(qApp));
 
     InstallerWindow window(pages);
-    window.resize(window.sizeHint().expandedTo({720, 540}));
+    window.resizeToScreen();
     window.show();
     return QApplication::exec();
 }
