@@ -9,6 +9,7 @@ documents folder; leaves pictures, log and hand-off file in the folder RESULTS. 
 printers recorded. The status is 1 when a step was not as it should be.
 """
 
+import contextlib
 import pathlib
 import re
 import shutil
@@ -22,6 +23,7 @@ from walk import Walk, WalkError  # noqa: E402
 
 # --- what the window calls its controls; roles where there is only one of them --------------------------------
 
+WINDOW = "Install the Tovik KV Printer Driver"
 INTRODUCTION = "Introduction"
 CONNECTION = "Printer Connection"
 SUMMARY = "Summary"
@@ -71,8 +73,6 @@ def item_of(model):
 class Installer(Walk):
     """The installer, worked by the scripted user."""
 
-    current = None  # The one that is on the screen, for the picture of a failure.
-
     def __init__(self, command, results):
         self.scale = 1
         self.results = results
@@ -80,17 +80,17 @@ class Installer(Walk):
         self.output = self.documents.parent / "output"
         # The shell becomes the installer, whose process id stays the same.
         super().__init__(["bash", "-c", 'exec "$@" >>"$0" 2>&1', str(self.output), *command])
-        Installer.current = self
-        self.expect(self.find("push button", CONTINUE) is not None, "there is no window")
-        self.wait_for(lambda: self.state(self.windows()[0], "active"), what="window to be active")
-        self.scale = self._find_scale()
 
-    def _find_scale(self):
-        """How many pixels of the screen one of the window's own is: Qt tells assistive technology the latter."""
-        width = self.settled(self.windows()[0])[2]
+    def window(self):
+        return self.wait_for(lambda: [w for w in self.windows() if self.name(w) == WINDOW], what="the window")[0]
+
+    def wait_window(self):
+        self.wait_for(lambda: self.state(self.window(), "active"), what="the window to be active")
+        # How many pixels of the screen one of the window's own is: Qt tells assistive technology the latter.
+        width = self.settled(self.window())[2]
         geometry = subprocess.run(["xdotool", "getactivewindow", "getwindowgeometry", "--shell"], check=True,
                                   timeout=60, capture_output=True, text=True).stdout
-        return int(re.search(r"WIDTH=(\d+)", geometry)[1]) / width
+        self.scale = int(re.search(r"WIDTH=(\d+)", geometry)[1]) / width
 
     def extents(self, node):
         return tuple(round(value * self.scale) for value in super().extents(node))
@@ -131,7 +131,7 @@ class Installer(Walk):
 
     def frame(self):
         left, top, right, bottom = FRAME
-        x, y, width, height = self.settled(self.windows()[0])
+        x, y, width, height = self.settled(self.window())
         return width + left + right, height + top + bottom, x - left, y - top
 
     def picture(self, name):
@@ -339,7 +339,7 @@ def closed_while_searching(user):
     user.click(user.find("push button", CONTINUE))
     user.click(user.find("radio button", NETWORK))
     activity = user.expect_search()
-    x, y, width, _ = user.settled(user.windows()[0])
+    x, y, width, _ = user.settled(user.window())
     user.expect(user.state(activity, "showing"), "the search was over before the window was closed")
     start = time.monotonic()
     user._xdotool("mousemove", str(x + width + CLOSE_BUTTON[0]), str(y + CLOSE_BUTTON[1]), "click", "1")
@@ -360,17 +360,17 @@ def main():
         for walk, arguments in ((with_the_mouse, (requests,)), (with_the_keys, ()), (closed_while_searching, ())):
             with Installer(command, results) as user:
                 try:
+                    user.wait_window()
                     walk(user, *arguments)
                 except Exception:
-                    # Taken while the window is still there.
-                    Walk.screenshot(str(results / "failure.png"))
-                    user.keep()
+                    # Taken while the window is still there; the first failure is the one to tell.
+                    with contextlib.suppress(Exception):
+                        Walk.screenshot(str(results / "failure.png"))
+                        user.keep()
                     raise
-    except (WalkError, OSError, subprocess.SubprocessError) as error:
-        print(f"demo: not as it should be: {error}\ndemo: what the screen showed is in {results}/failure.png",
-              file=sys.stderr, flush=True)
+    except WalkError as error:
+        print(f"demo: not as it should be: {error}", file=sys.stderr, flush=True)
         return 1
-    say(f"Pictures, log and hand-off file are in {results}")
     return 0
 
 
