@@ -8,6 +8,10 @@
 #include <QFile>
 #include <QMap>
 
+#include <chrono>
+#include <csignal>
+#include <thread>
+
 /// Runs a cupsd as long as it lives, and points this process's CUPS calls to it. Made before the first of
 /// them.
 class PrivateCupsd {
@@ -31,17 +35,26 @@ class PrivateCupsd {
         process_.start(
             sourcePath(QStringLiteral("tools/private-cupsd")),
             {folder_.path(), QStringLiteral("sh"), QStringLiteral("-c"), QStringLiteral("echo ready; cat")});
-        if (!process_.waitForReadyRead() || process_.readLine() != "ready\n") {
+        if (!process_.waitForReadyRead(40'000) || process_.readLine() != "ready\n") {
             qFatal("the print service does not get ready");
         }
     }
     PrivateCupsd(const PrivateCupsd&) = delete;
     PrivateCupsd& operator=(const PrivateCupsd&) = delete;
-    ~PrivateCupsd() { stop(); }
-
-    void stop() {
-        process_.closeWriteChannel();
+    ~PrivateCupsd() {
+        stop();
         process_.waitForFinished();
+    }
+
+    /// Returns when it no longer listens. Any thread.
+    void stop() {
+        ::kill(static_cast<pid_t>(process_.processId()), SIGTERM);
+        for (int tries = 0; QFile::exists(folder_.filePath(QStringLiteral("cups.sock"))); ++tries) {
+            if (tries == 1000) {
+                qFatal("the print service does not stop");
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
     }
 
     [[nodiscard]] QString ppdPath(const QString& queue) const {
