@@ -75,7 +75,7 @@ void receiveReply(int descriptor, ResponderTable& responders) {
                                         reinterpret_cast<sockaddr*>(&source), &sourceLength);
     if (received < 0) {
         reportFailedReceive();
-        ++responders.failedReceives;
+        ++responders.failures;
         return;
     }
     // Whoever sends anything to this port is a responder; what it is, its device id will tell.
@@ -96,6 +96,7 @@ void collectReplies(int descriptor, ResponderTable& responders, const std::stop_
         if (ready < 0) {
             const int error = errno;
             tDebugPrint("Select return -1 %d\n", error);
+            ++responders.failures;
             // After a signal the wait starts anew. Any other error would come back at once, for ever.
             listening = listening && error == EINTR;
             continue;

@@ -1,8 +1,8 @@
 // The first half of discovery: one probe to the all-hosts group from every local IPv4 address, and the
 // addresses of all who answer.
 //
-// Limits, so that a run ends whatever the network does: 256 responders, and 256 receives that failed. Within
-// them, collection on one local address ends at its first quiet time (Timeout).
+// Limits, so that a run ends whatever the network and the machine do: 256 responders, and 256 waits and
+// receives that failed. Within them, collection on one local address ends at its first quiet time (Timeout).
 
 #pragma once
 
@@ -24,17 +24,16 @@ struct alignas(8) Responder {
 /// local addresses, stands in it twice.
 struct ResponderTable {
     static constexpr std::int32_t capacity = 256;
-    static constexpr std::int32_t maximumFailedReceives = 256;
+    static constexpr std::int32_t maximumFailures = 256;
 
     std::array<Responder, capacity> entries{};
     std::int32_t count = 0;
-    std::int32_t failedReceives = 0;
+    std::int32_t failures = 0;  ///< Of waits and receives.
 
-    /// A full table ends the collection, as there is nothing left to collect into. So does a socket that time
-    /// and again has a datagram announced and none to give: it would hold up the run for ever.
-    [[nodiscard]] bool isClosed() const {
-        return count >= capacity || failedReceives >= maximumFailedReceives;
-    }
+    /// A full table ends the collection, as there is nothing left to collect into. So do waits that time and
+    /// again are cut short, and sockets that time and again have a datagram announced and none to give: they
+    /// would hold up the run for ever.
+    [[nodiscard]] bool isClosed() const { return count >= capacity || failures >= maximumFailures; }
 };
 
 /// Tells standard error and the diagnostic log why a receive failed, which errno says. Any thread.
