@@ -7,6 +7,7 @@
 #include "discovery/UdpSocket.h"
 #include "handoff/DiagnosticLog.h"
 
+#include <poll.h>
 #include <sys/time.h>
 
 #include <array>
@@ -22,6 +23,14 @@ int listCount() {
     return static_cast<int>(g_PrinterList->count());
 }
 
+/// Whether there is something to receive within one second. The socket's own time-out would not do: the
+/// system starts it anew after each datagram whose checksum turns out wrong, for as long as somebody sends
+/// such.
+bool isReadableInTime(int descriptor) {
+    pollfd waiting{descriptor, POLLIN, 0};
+    return descriptor < 0 || ::poll(&waiting, 1, 1000) != 0;  // An error is the receive's to report.
+}
+
 /// Sends the device id request and waits at most one second for a datagram, from whoever it comes. Returns
 /// its size, or -1 with errno set.
 ssize_t askForDeviceId(in_addr responder, std::span<char> reply) {
@@ -34,6 +43,10 @@ ssize_t askForDeviceId(in_addr responder, std::span<char> reply) {
              reinterpret_cast<const sockaddr*>(&address), addressLength);
     tDebugPrint("Waiting for receive from 2@@@ \n");
     tDebugPrint("IP address is: %s\n", dottedDecimal(responder).data());
+    if (!isReadableInTime(socket.descriptor())) {
+        errno = EAGAIN;  // As the time-out reports it.
+        return -1;
+    }
     return ::recvfrom(socket.descriptor(), reply.data(), reply.size(), 0,
                       reinterpret_cast<sockaddr*>(&address), &addressLength);
 }
