@@ -13,6 +13,7 @@
 
 #include <QMetaObject>
 #include <QMetaProperty>
+#include <QRadioButton>
 
 namespace {
 
@@ -38,6 +39,19 @@ QStringList modelLabels() {
         labels += label;
     }
     return labels;
+}
+
+/// Tab follows the eye, from the top of the page to its end. The matrices make their buttons late, which
+/// would put them last.
+void setTabOrder(const Ui::NetworkPrinterConfigPane& form) {
+    std::vector<QWidget*> order(form.radiobtnPrinterType->buttons().begin(),
+                                form.radiobtnPrinterType->buttons().end());
+    order.insert(order.end(), {form.PrinterIP, form.RefreshButton, form.IPAddressText});
+    order.insert(order.end(), form.radiobtnPrinterModel->buttons().begin(),
+                 form.radiobtnPrinterModel->buttons().end());
+    for (std::size_t index = 1; index < order.size(); ++index) {
+        QWidget::setTabOrder(order[index - 1], order[index]);
+    }
 }
 
 /// A hidden control keeps its place, so that nothing moves when it appears.
@@ -78,6 +92,7 @@ void NetworkPrinterConfigPane::makeContent() {
     keepPlaceWhenHidden(form.Progress);
     keepPlaceWhenHidden(form.searchingLabel);
     form.Progress->setCaption(form.searchingLabel);
+    setTabOrder(form);
     setContentWidget(content);
 }
 

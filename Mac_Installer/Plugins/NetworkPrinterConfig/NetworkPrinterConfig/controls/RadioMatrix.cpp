@@ -39,6 +39,7 @@ void RadioMatrix::rebuild() {
         const int column = index % columns_;
         auto* const button = new QRadioButton(labels_.at(index), this);
         connect(button, &QRadioButton::clicked, this, &RadioMatrix::action);
+        connect(button, &QRadioButton::toggled, this, &RadioMatrix::keepTabStopOnSelection);
         grid_->addWidget(button, row, column);
         buttons_.push_back(button);
         if (index < descriptions_.size()) {
@@ -51,6 +52,15 @@ void RadioMatrix::rebuild() {
                                        index + columns_ < labels_.size() ? fontMetrics().height() / 2 : 0);
             sentences_.push_back(sentence);
         }
+    }
+}
+
+/// Tab reaches the selected cell alone. Qt sees to that only when a cell gets the focus, which none does
+/// while the matrix is disabled.
+void RadioMatrix::keepTabStopOnSelection() {
+    const bool isAnySelected = selectedIndex() >= 0;
+    for (QRadioButton* const button : buttons_) {
+        button->setFocusPolicy(button->isChecked() || !isAnySelected ? Qt::StrongFocus : Qt::ClickFocus);
     }
 }
 

@@ -41,6 +41,9 @@ class RadioMatrix : public QWidget {
     /// Switches a cell on (1) or off (0).
     void setState(int state, int row, int column);
 
+    /// The buttons, row by row.
+    [[nodiscard]] const std::vector<QRadioButton*>& buttons() const { return buttons_; }
+
     /// The button at a place, or null.
     [[nodiscard]] QRadioButton* cellAt(int row, int column) const;
 
@@ -49,6 +52,7 @@ class RadioMatrix : public QWidget {
 
   private:
     void rebuild();
+    void keepTabStopOnSelection();
     [[nodiscard]] int selectedIndex() const;
 
     QStringList labels_;
