@@ -17,7 +17,6 @@
 #include <sys/resource.h>
 #include <sys/select.h>
 
-#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
@@ -26,9 +25,12 @@
 #include <limits>
 #include <optional>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 namespace {
+
+using namespace Qt::StringLiterals;
 
 using namespace std::chrono_literals;
 
@@ -55,20 +57,16 @@ int __real_socket(int domain, int type, int protocol);
 ssize_t __real_sendto(int, const void*, std::size_t, int, const sockaddr*, socklen_t);
 int __real_select(int, fd_set*, fd_set*, fd_set*, timeval*);
 
-int __wrap_getifaddrs(ifaddrs** list);
 int __wrap_getifaddrs(ifaddrs** list) {
     return faults.interfaces ? refuse(ENOMEM) : __real_getifaddrs(list);
 }
-int __wrap_socket(int domain, int type, int protocol);
 int __wrap_socket(int domain, int type, int protocol) {
     return faults.socketsLeft-- <= 0 ? refuse(EMFILE) : __real_socket(domain, type, protocol);
 }
-ssize_t __wrap_sendto(int, const void*, std::size_t, int, const sockaddr*, socklen_t);
 ssize_t __wrap_sendto(int fd, const void* data, std::size_t size, int flags, const sockaddr* to,
                       socklen_t length) {
     return faults.sendsLeft-- <= 0 ? refuse(EPERM) : __real_sendto(fd, data, size, flags, to, length);
 }
-int __wrap_select(int, fd_set*, fd_set*, fd_set*, timeval*);
 int __wrap_select(int highest, fd_set* readable, fd_set* writable, fd_set* special, timeval* wait) {
     return faults.select ? faults.select(highest, readable)
                          : __real_select(highest, readable, writable, special, wait);
@@ -83,6 +81,16 @@ const QByteArray noDeviceId = "x";
 void send(int descriptor, const QByteArray& bytes, const sockaddr_in& to) {
     ::sendto(descriptor, bytes.constData(), static_cast<std::size_t>(bytes.size()), 0,
              reinterpret_cast<const sockaddr*>(&to), sizeof(to));
+}
+
+/// Sends a datagram that often, after a pause each time.
+std::jthread repeat(int times, std::chrono::milliseconds pause, int descriptor, const sockaddr_in& to) {
+    return std::jthread([=](const std::stop_token& stop) {
+        for (int sent = 0; sent < times && !stop.stop_requested(); ++sent) {
+            std::this_thread::sleep_for(pause);
+            send(descriptor, noDeviceId, to);
+        }
+    });
 }
 
 /// Whatever answers on port 161 of all local addresses, in a thread of its own.
@@ -120,7 +128,7 @@ class Peer {
 };
 
 void answer(int descriptor, bool probe, const sockaddr_in& from) {
-    send(descriptor, probe ? noDeviceId : deviceId(QStringLiteral("KV210")).toLatin1(), from);
+    send(descriptor, probe ? noDeviceId : deviceId(u"KV210"_s).toLatin1(), from);
 }
 
 /// Answers the probe of one local address after the signals that are on their way have come.
@@ -142,21 +150,12 @@ void answerAndTakeTheBridgeDown(int descriptor, bool probe, const sockaddr_in& f
     setBridge("down");
 }
 
-/// About as fast as a machine can send; ends by itself.
+/// As fast as a machine can send, some hundred thousand datagrams a second; ends by itself.
 void flood(int descriptor, bool probe, const sockaddr_in& from) {
     static std::jthread sender;
-    if (probe && !sender.joinable()) {
-        sender = std::jthread([to = from] {
-            const UdpSocket socket;
-            QElapsedTimer timer;
-            timer.start();
-            constexpr int datagrams = 200'000;
-            for (int sent = 0; sent < datagrams; ++sent) {
-                send(socket.descriptor(), noDeviceId, to);
-            }
-            qInfo("%lld datagrams a second", datagrams * 1000LL / std::max(timer.elapsed(), qint64{1}));
-        });
-    } else if (!probe) {
+    if (probe) {
+        sender = repeat(200'000, 0ms, descriptor, from);
+    } else {
         send(descriptor, noDeviceId, from);
     }
 }
@@ -215,11 +214,11 @@ class Descriptors {
 
 using Step = std::function<void()>;
 
-const QString total = QStringLiteral("Total Printers avialable in the Network %1");
-const QString returning = QStringLiteral("Returning to UI**");
-const QString selectFailed = QStringLiteral("Select return -1 %1");
-const QString nothingReceived = QStringLiteral("Cant able to receive anything %1");
-const QString timedOut = nothingReceived.arg(QStringLiteral("Resource temporarily unavailable"));
+const QString total = u"Total Printers avialable in the Network %1"_s;
+const QString returning = u"Returning to UI**"_s;
+const QString selectFailed = u"Select return -1 %1"_s;
+const QString nothingReceived = u"Cant able to receive anything %1"_s;
+const QString timedOut = nothingReceived.arg(u"Resource temporarily unavailable"_s);
 
 }  // namespace
 
@@ -261,7 +260,7 @@ class TestDiscoveryFaults : public QObject {
             "no socket for the probes", [] { faults.socketsLeft = 0; }, answer, {}, 0, {}, 0, 2);
         row(
             "no socket for the questions", [] { faults.socketsLeft = 2; }, answer, {}, 2,
-            twice(nothingReceived.arg(QStringLiteral("Bad file descriptor"))), 0, 2);
+            twice(nothingReceived.arg(u"Bad file descriptor"_s)), 0, 2);
         row(
             "sockets that fit no descriptor set",
             [this] {
@@ -313,9 +312,8 @@ class TestDiscoveryFaults : public QObject {
         timer.start();
         GetTovikQuazelPrinters();
         const qint64 elapsed = timer.elapsed();
-        QTEST(takeLog(home_).filter(QRegularExpression(QStringLiteral("^(Select|Cant|Total|Returning)"))),
-              "records");
-        QCOMPARE(g_PrinterList->first(), QStringLiteral("Enter IP Address Manually\n"));
+        QTEST(takeLog(home_).filter(QRegularExpression(u"^(Select|Cant|Total|Returning)"_s)), "records");
+        QCOMPARE(g_PrinterList->first(), u"Enter IP Address Manually\n"_s);
         QTEST(static_cast<int>(g_PrinterList->count()) - 1, "printers");
         QVERIFY2(elapsed >= seconds * 1000 && elapsed < seconds * 1000 + 1500,
                  qPrintable(QString::number(elapsed)));
@@ -334,12 +332,7 @@ class TestDiscoveryFaults : public QObject {
     void dripIsEndedByTheTable() {
         std::jthread sender;
         const Peer peer([&sender](int descriptor, bool, const sockaddr_in& from) {
-            sender = std::jthread([descriptor, from] {
-                for (int drip = 0; drip < 6; ++drip) {
-                    std::this_thread::sleep_for(900ms);
-                    send(descriptor, noDeviceId, from);
-                }
-            });
+            sender = repeat(6, 900ms, descriptor, from);
         });
         ResponderTable responders;
         responders.count = ResponderTable::capacity - 3;
@@ -351,28 +344,27 @@ class TestDiscoveryFaults : public QObject {
                  qPrintable(QString::number(timer.elapsed())));
     }
 
-    void leavesInTime_data() {
-        QTest::addColumn<int>("afterMilliseconds");
-        QTest::newRow("while it collects") << 300;
-        QTest::newRow("while it asks") << 3300;
-    }
+    /// The peer answers one question after the other with silence, or goes on answering the probe.
     void leavesInTime() {
-        QFETCH(int, afterMilliseconds);
-        const Peer silent([](int descriptor, bool probe, const sockaddr_in& from) {
-            for (int reply = 0; probe && reply < 5; ++reply) {
-                send(descriptor, noDeviceId, from);
-            }
-        });
-        std::stop_source leaving;
-        const std::jthread leaver([&] {
-            std::this_thread::sleep_for(std::chrono::milliseconds(afterMilliseconds));
-            leaving.request_stop();
-        });
-        QElapsedTimer timer;
-        timer.start();
-        GetTovikQuazelPrinters(leaving.get_token());
-        QVERIFY2(timer.elapsed() < afterMilliseconds + 1200, qPrintable(QString::number(timer.elapsed())));
-        QCOMPARE(takeLog(home_).last(), returning);
+        for (const auto& [replies, pause, leavingAfter] :
+             {std::tuple{20, 200ms, 500}, std::tuple{5, 0ms, 3300}}) {
+            std::jthread sender;
+            const Peer peer([&](int descriptor, bool probe, const sockaddr_in& from) {
+                if (probe) {
+                    sender = repeat(replies, pause, descriptor, from);
+                }
+            });
+            std::stop_source leaving;
+            const std::jthread leaver([&, delay = std::chrono::milliseconds(leavingAfter)] {
+                std::this_thread::sleep_for(delay);
+                leaving.request_stop();
+            });
+            QElapsedTimer timer;
+            timer.start();
+            GetTovikQuazelPrinters(leaving.get_token());
+            QVERIFY2(timer.elapsed() < leavingAfter + 1500, qPrintable(QString::number(timer.elapsed())));
+            QCOMPARE(takeLog(home_).last(), returning);
+        }
     }
 
   private:
