@@ -18,13 +18,15 @@
 
 namespace {
 
+using namespace Qt::StringLiterals;
+
 QString documents;  // What documentsDirectory() answers.
 const QByteArray date = QUAZEL_BUILD_DATE "\t";
 
 using Step = std::function<void()>;
 
 QString logPath() {
-    return documents + QStringLiteral("/QzInstall.log");
+    return documents + u"/QzInstall.log"_s;
 }
 
 void writeOldLog() {
@@ -43,7 +45,7 @@ void mountSmallDisk(const char* options) {
 
 /// Fills what is left of the disk, so that not one byte more can be written.
 void fillDisk() {
-    QFile file(documents + QStringLiteral("/rest"));
+    QFile file(documents + u"/rest"_s);
     require(file.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
     while (file.write(QByteArray(4096, 'x')) > 0) {
     }
@@ -99,8 +101,7 @@ class TestDiagnosticLog : public QObject {
                                   << none;
         row("an old log goes") << Step(writeOldLog) << logA << recordA << none;
         row("an old folder of that name goes")
-            << Step([] { require(QDir().mkpath(logPath() + QStringLiteral("/full"))); }) << logA << recordA
-            << none;
+            << Step([] { require(QDir().mkpath(logPath() + u"/full"_s)); }) << logA << recordA << none;
         row("deleted meanwhile") << nothing << aThenB([] { QFile::remove(logPath()); }) << recordB << none;
         row("an old log that can't be removed is continued")
             << Step([] {
@@ -121,16 +122,16 @@ class TestDiagnosticLog : public QObject {
         row("full disk, until there is room") << Step([] {
             mountSmallDisk("size=64k");
             fillDisk();
-        }) << aThenB([] { QFile::remove(documents + QStringLiteral("/rest")); })
+        }) << aThenB([] { QFile::remove(documents + u"/rest"_s); })
                                               << recordB << none;
         row("no folder yet") << Step([] { QDir(documents).removeRecursively(); })
                              << aThenB([] { QDir().mkpath(documents); }) << recordB << none;
         row("folder removed meanwhile")
             << nothing << aThenB([] { QDir(documents).removeRecursively(); }) << none << none;
         row("no documents folder") << Step([] {
-            require(QDir::setCurrent(documents) && QDir().mkdir(QStringLiteral("(null)")));
+            require(QDir::setCurrent(documents) && QDir().mkdir(u"(null)"_s));
             documents = QString();
-        }) << aThenB([] { documents = QStringLiteral("(null)"); })
+        }) << aThenB([] { documents = u"(null)"_s; })
                                    << recordA + recordB << none;
     }
     void records() {
@@ -140,7 +141,7 @@ class TestDiagnosticLog : public QObject {
         QFETCH(QByteArray, systemLog);
         const TemporaryHome home;
         documents = home.documents();
-        const QString result = home.path() + QStringLiteral("/result");
+        const QString result = home.path() + u"/result"_s;
         SystemLogCapture capture;
         const int status = runInChild([&] {
             require(::unshare(CLONE_NEWNS) == 0);  // What it mounts goes with it.

@@ -19,11 +19,12 @@
 
 namespace {
 
+using namespace Qt::StringLiterals;
+
 std::function<const char*(const char*)> ppdOfQueue;  // In place of CUPS's own answer, if set.
 
 QString queueName(const char* model, const char* address) {
-    return QStringLiteral("Tovik-%1-Ethernet-Printer-IP=%2")
-        .arg(QLatin1String(model), QLatin1String(address));
+    return u"Tovik-%1-Ethernet-Printer-IP=%2"_s.arg(QLatin1String(model), QLatin1String(address));
 }
 
 struct Queue {
@@ -34,7 +35,7 @@ struct Queue {
 
 // In the order of their names, which is that of the walk.
 const QList<Queue> queues{
-    {QStringLiteral("Office"), {"OFFICE.PPD"}},
+    {u"Office"_s, {"OFFICE.PPD"}},
     {queueName("KV210", "10.0.0.1"), {"KV210.PPD"}},
     {queueName("KV210", "10.0.0.2"), {"kv210.ppd"}},
     {queueName("KV210", "10.0.0.3"), {"OTHER.PPD", "KV210.PPD", "KV260.PPD"}},
@@ -52,30 +53,30 @@ bool isOfTheSeries(const QByteArray& pcFileName) {
 
 /// The records of one queue, the number of an error left out.
 QStringList recordsOf(const Queue& queue, const QString& lookedFor, const QString& ppdPath) {
-    QStringList records{QStringLiteral("Printer name is ") + queue.name,
-                        QStringLiteral("PPD name is ") + (queue.hasPpd ? ppdPath : QString())};
+    QStringList records{u"Printer name is "_s + queue.name,
+                        u"PPD name is "_s + (queue.hasPpd ? ppdPath : QString())};
     if (queue.pcFileNames.isEmpty()) {
-        records += QStringLiteral("PPD open failed");
+        records += u"PPD open failed"_s;
     }
     for (const QByteArray& value : queue.pcFileNames) {
         if (isOfTheSeries(value)) {
-            records += QStringLiteral("String str Value is ") + queue.name;
+            records += u"String str Value is "_s + queue.name;
             if (queue.name == lookedFor) {
-                records += QStringLiteral("ModelName String was found");
+                records += u"ModelName String was found"_s;
                 break;
             }
-            records += QStringLiteral("ModelName string was not found");
+            records += u"ModelName string was not found"_s;
         }
-        records += QStringLiteral("Attr  value is ") + QString::fromLatin1(value);
+        records += u"Attr  value is "_s + QString::fromLatin1(value);
     }
     return records;
 }
 
 QStringList walk(const QString& lookedFor, const QStringList& records, qsizetype count) {
-    return QStringList{QStringLiteral("GetInstalledPrinterList"),
-                       QStringLiteral("Number of printers found in the system is %1").arg(count),
-                       QStringLiteral("Model Name *** Is ") + lookedFor} +
-           records + QStringList{QStringLiteral("Return from CUPS Printer List")};
+    return QStringList{u"GetInstalledPrinterList"_s,
+                       u"Number of printers found in the system is %1"_s.arg(count),
+                       u"Model Name *** Is "_s + lookedFor} +
+           records + QStringList{u"Return from CUPS Printer List"_s};
 }
 
 }  // namespace
@@ -135,19 +136,19 @@ class TestInstalledPrinters : public QObject {
     /// CUPS lists a queue again for each of its instances.
     void findsTwoMatches() {
         const QString name = queueName("KV210", "10.0.0.1");
-        const QString options = QFileInfo(service_->ppdPath(name)).path() + QStringLiteral("/../lpoptions");
+        const QString options = QFileInfo(service_->ppdPath(name)).path() + u"/../lpoptions"_s;
         writeFile(options, "Dest " + name.toUtf8() + "/photo media=CR80\n");
         const QStringList log = logOf(name);
         QFile::remove(options);
-        QCOMPARE(log.count(QStringLiteral("ModelName String was found")), 2);
-        QCOMPARE(log.count(QStringLiteral("Printer name is ") + name), 2);
+        QCOMPARE(log.count(u"ModelName String was found"_s), 2);
+        QCOMPARE(log.count(u"Printer name is "_s + name), 2);
         QCOMPARE(g_PrinterAlreadyInstalled, 1);
     }
 
     /// The PPD is where no buffer can name it, or is not behind a link: its queue does not count.
     void passesOverPpdsWithoutAUsableLink() {
         const QString lookedFor = queueName("KV210", "10.0.0.1");
-        const QByteArray link = (home_.path() + QStringLiteral("/link")).toUtf8();
+        const QByteArray link = (home_.path() + u"/link"_s).toUtf8();
         const QByteArray farAway = "/" + QByteArray("very-long/").repeated(200) + "KV210.ppd";
         QCOMPARE(::symlink(farAway, link), 0);
         const QByteArray file = service_->ppdPath(lookedFor).toUtf8();
@@ -155,8 +156,8 @@ class TestInstalledPrinters : public QObject {
             const QByteArray given = answer;
             ppdOfQueue = [&given](const char*) { return given.constData(); };
             const QStringList log = logOf(lookedFor);
-            QCOMPARE(log.count(QStringLiteral("PPD name is ") + QString::fromLatin1(shown)), queues.size());
-            QCOMPARE(log.count(QStringLiteral("PPD open failed")), queues.size());
+            QCOMPARE(log.count(u"PPD name is "_s + QString::fromLatin1(shown)), queues.size());
+            QCOMPARE(log.count(u"PPD open failed"_s), queues.size());
             QCOMPARE(g_PrinterAlreadyInstalled, 0);
         }
     }
@@ -169,8 +170,8 @@ class TestInstalledPrinters : public QObject {
             return __real_cupsGetPPD2(CUPS_HTTP_DEFAULT, name);
         };
         const QStringList log = logOf(lookedFor);
-        QCOMPARE(log.filter(QStringLiteral("Printer name is ")).count(), queues.size());
-        QCOMPARE(log.last(), QStringLiteral("Return from CUPS Printer List"));
+        QCOMPARE(log.filter(u"Printer name is "_s).count(), queues.size());
+        QCOMPARE(log.last(), u"Return from CUPS Printer List"_s);
 
         g_PrinterAlreadyInstalled = 1;
         QCOMPARE(logOf(lookedFor), walk(lookedFor, {}, 0));
@@ -180,7 +181,7 @@ class TestInstalledPrinters : public QObject {
     void takesAThousandQueues() {
         QMap<QString, QByteArray> names;
         for (int number = 1; number <= 1000; ++number) {
-            names[QStringLiteral("office-%1").arg(number)] = QByteArray();
+            names[u"office-%1"_s.arg(number)] = QByteArray();
         }
         const PrivateCupsd service(names);
         // Only now, as the service takes long to read them; the walk finds them all the same.
@@ -189,9 +190,9 @@ class TestInstalledPrinters : public QObject {
         }
         QElapsedTimer timer;
         timer.start();
-        const QStringList log = logOf(QStringLiteral("office-1000"));
+        const QStringList log = logOf(u"office-1000"_s);
         qInfo("1000 queues: %lld ms", timer.elapsed());
-        QCOMPARE(log.filter(QStringLiteral("Printer name is ")).count(), 1000);
+        QCOMPARE(log.filter(u"Printer name is "_s).count(), 1000);
         QCOMPARE(g_PrinterAlreadyInstalled, 1);
     }
 
@@ -201,8 +202,7 @@ class TestInstalledPrinters : public QObject {
         g_ModelName = lookedFor;
         // A thread of its own, as CUPS remembers for each thread which service it found.
         std::thread(GetInstalledPrinterList).join();
-        return takeLog(home_).replaceInStrings(QRegularExpression(QStringLiteral("^(PPD open failed) \\d+$")),
-                                               QStringLiteral("\\1"));
+        return takeLog(home_).replaceInStrings(QRegularExpression(u"^(PPD open failed) \\d+$"_s), u"\\1"_s);
     }
 
     TemporaryHome home_;

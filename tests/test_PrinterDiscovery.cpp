@@ -11,35 +11,18 @@
 
 namespace {
 
-const QString manualEntry = QStringLiteral("Enter IP Address Manually\n");
+using namespace Qt::StringLiterals;
+
+const QString manualEntry = u"Enter IP Address Manually\n"_s;
 
 /// The network of the tests has two local addresses; the system tells in which order they are probed.
 constexpr int localAddresses = 2;
 
 // The messages as they stand in RFC 1157's encoding, with the community "public".
-const QString probe = QStringLiteral(
-    "224.0.0.1 "
-    "3024"
-    "020100"
-    "04067075626c6963"
-    "a117"
-    "020101"
-    "020100"
-    "020100"
-    "300c300a"
-    "06062b060102012b"
-    "0500");
-const QString deviceIdRequest = QStringLiteral(
-    "302d"
-    "020100"
-    "04067075626c6963"
-    "a020"
-    "020102"
-    "020100"
-    "020100"
-    "30153013"
-    "060f2b06010401950b0102010201010301"
-    "0500");
+const QString probe =
+    u"224.0.0.1 302402010004067075626c6963a117020101020100020100300c300a06062b060102012b0500"_s;
+const QString deviceIdRequest =
+    u"302d02010004067075626c6963a02002010202010002010030153013060f2b06010401950b01020102010103010500"_s;
 
 struct Printer {
     QString line;   ///< What it does, as the virtual printers take it, without the address.
@@ -52,9 +35,9 @@ struct Printer {
 Printer found(const QString& line, const char* model, const char* reported, const char* maker = "Tovik") {
     const QString text = QLatin1String(reported);
     return {line, QLatin1String(model),
-            QStringList{QStringLiteral("Response is ") + text, QStringLiteral("Count Inside Is %1")} +
-                (QStringLiteral("Printer manufacture is ") + QString::fromUtf8(maker)).split(u'\n') +
-                QStringList{QStringLiteral("Printer modal is ") + text}};
+            QStringList{u"Response is "_s + text, u"Count Inside Is %1"_s} +
+                (u"Printer manufacture is "_s + QString::fromUtf8(maker)).split(u'\n') +
+                QStringList{u"Printer modal is "_s + text}};
 }
 
 Printer notFound(const QString& line, const QStringList& log = {}) {
@@ -62,8 +45,7 @@ Printer notFound(const QString& line, const QStringList& log = {}) {
 }
 
 Printer raw(Printer printer, const QByteArray& reply) {
-    printer.line =
-        QStringLiteral("raw ") + (reply.isEmpty() ? QStringLiteral("-") : QString::fromLatin1(reply.toHex()));
+    printer.line = u"raw "_s + (reply.isEmpty() ? u"-"_s : QString::fromLatin1(reply.toHex()));
     return printer;
 }
 
@@ -72,21 +54,20 @@ QByteArray idOfSize(int size) {
     return start + QByteArray(size - start.size(), 's');
 }
 
-const QByteArray id = deviceId(QStringLiteral("KV410")).toLatin1();
-const QStringList timedOut{QStringLiteral("Cant able to receive anything Resource temporarily unavailable")};
+const QByteArray id = deviceId(u"KV410"_s).toLatin1();
+const QStringList timedOut{u"Cant able to receive anything Resource temporarily unavailable"_s};
 
 const std::vector<Printer> printers{
-    found(QStringLiteral("answers ") + deviceId(QStringLiteral("TVK KV260N")), "KV260", "TVK KV260N"),
-    {QStringLiteral("twice ") + deviceId(QStringLiteral("KV210")), QStringLiteral("KV210"),
-     found({}, "", "KV210").log, 2},
-    notFound(QStringLiteral("answers MFG:Other;CMD:X;MDL:LP1;CLS:PRINTER;DES:x;SERN:1")),
-    notFound(QStringLiteral("answers MFG:Tovik;CMD:X;MDL:kv210;CLS:PRINTER;DES:x;SERN:1")),
-    notFound(QStringLiteral("silent"), timedOut),
-    found(QStringLiteral("late 300 ") + deviceId(QStringLiteral("KV460N")), "KV460", "KV460N"),
-    notFound(QStringLiteral("late 1200 ") + deviceId(QStringLiteral("KV460N")), timedOut),
+    found(u"answers "_s + deviceId(u"TVK KV260N"_s), "KV260", "TVK KV260N"),
+    {u"twice "_s + deviceId(u"KV210"_s), u"KV210"_s, found({}, "", "KV210").log, 2},
+    notFound(u"answers MFG:Other;CMD:X;MDL:LP1;CLS:PRINTER;DES:x;SERN:1"_s),
+    notFound(u"answers MFG:Tovik;CMD:X;MDL:kv210;CLS:PRINTER;DES:x;SERN:1"_s),
+    notFound(u"silent"_s, timedOut),
+    found(u"late 300 "_s + deviceId(u"KV460N"_s), "KV460", "KV460N"),
+    notFound(u"late 1200 "_s + deviceId(u"KV460N"_s), timedOut),
     // Keys in another order.
-    notFound(QStringLiteral("answers CMD:X;MFG:Tovik;MDL:KV210;CLS:PRINTER;DES:x;SERN:1")),
-    notFound(QStringLiteral("answers MFG:Tovik;MDL:KV210;CMD:X;CLS:PRINTER;DES:x;SERN:1")),
+    notFound(u"answers CMD:X;MFG:Tovik;MDL:KV210;CLS:PRINTER;DES:x;SERN:1"_s),
+    notFound(u"answers MFG:Tovik;MDL:KV210;CMD:X;CLS:PRINTER;DES:x;SERN:1"_s),
     // A maker that would be a format or a record, were it taken for one.
     raw(found({}, "KV410", "KV410", "100%n%s\nvik"), "MFG:100%n%s\nvik;CMD:X;MDL:KV410;CLS:P;DES:d;SERN:1"),
     // Not SNMP at all, cut anywhere, and of the sizes at which something ends.
@@ -106,20 +87,19 @@ const std::vector<Printer> printers{
 };
 
 QString addressOf(std::size_t index) {
-    return QStringLiteral("10.0.0.%1").arg(index + 10);
+    return u"10.0.0.%1"_s.arg(index + 10);
 }
 
 /// What one responder adds to the log and, if it is found, to the list.
 QStringList examined(std::size_t index, QStringList& list) {
     const Printer& printer = printers[index];
     if (!printer.model.isNull()) {
-        const QString entry = QStringLiteral("Tovik %1 @%2\n").arg(printer.model, addressOf(index));
+        const QString entry = u"Tovik %1 @%2\n"_s.arg(printer.model, addressOf(index));
         if (!list.contains(entry)) {
             list.append(entry);
         }
     }
-    QStringList log{QStringLiteral("Waiting for receive from 2@@@ "),
-                    QStringLiteral("IP address is: ") + addressOf(index)};
+    QStringList log{u"Waiting for receive from 2@@@ "_s, u"IP address is: "_s + addressOf(index)};
     for (const QString& record : printer.log) {
         log += record.contains(u"%1") ? record.arg(list.count()) : record;
     }
@@ -141,7 +121,7 @@ class TestPrinterDiscovery : public QObject {
         const VirtualPrinters subnet(lines);
         GetTovikQuazelPrinters();
         const QStringList log = takeLog(home_);
-        QStringList probed = log.filter(QStringLiteral("**** "));
+        QStringList probed = log.filter(u"**** "_s);
         QStringList list{manualEntry};
         QStringList collected, examinations, requests, perAddress;
         for (int address = 0; address < localAddresses; ++address) {
@@ -153,18 +133,17 @@ class TestPrinterDiscovery : public QObject {
                 }
             }
             collected += probed.value(address);
-            collected += QStringList(replies, QStringLiteral("Waiting for Recevfrom"));
-            collected += QStringLiteral("Out of While loop");
+            collected += QStringList(replies, u"Waiting for Recevfrom"_s);
+            collected += u"Out of While loop"_s;
         }
         const auto total = requests.count();
-        QCOMPARE(log,
-                 QStringList{QStringLiteral("GetTovikQuazelPrinters")} + collected +
-                     QStringList{QStringLiteral("Total Printers avialable in the Network %1").arg(total)} +
-                     examinations + QStringList{QStringLiteral("Returning to UI**")});
+        QCOMPARE(log, QStringList{u"GetTovikQuazelPrinters"_s} + collected +
+                          QStringList{u"Total Printers avialable in the Network %1"_s.arg(total)} +
+                          examinations + QStringList{u"Returning to UI**"_s});
         QCOMPARE(subnet.requests(), QStringList(localAddresses, probe) + requests);
         QCOMPARE(*g_PrinterList, list);
         probed.sort();
-        QCOMPARE(probed, QStringList({QStringLiteral("**** 10.0.0.1"), QStringLiteral("**** 127.0.0.1")}));
+        QCOMPARE(probed, QStringList({u"**** 10.0.0.1"_s, u"**** 127.0.0.1"_s}));
     }
 
     /// Whoever no longer answers is gone from the list, and each local address has its quiet time.
@@ -177,7 +156,7 @@ class TestPrinterDiscovery : public QObject {
             QVERIFY2(timer.elapsed() >= quiet && timer.elapsed() < quiet + 900,
                      qPrintable(QString::number(timer.elapsed())));
             QCOMPARE(*g_PrinterList, QStringList(manualEntry));
-            QVERIFY(takeLog(home_).contains(QStringLiteral("Total Printers avialable in the Network 0")));
+            QVERIFY(takeLog(home_).contains(u"Total Printers avialable in the Network 0"_s));
         }
     }
 

@@ -10,6 +10,8 @@
 
 namespace {
 
+using namespace Qt::StringLiterals;
+
 struct Outcome {
     int status;
     QStringList printers;
@@ -17,10 +19,10 @@ struct Outcome {
 
 Outcome discover(const QStringList& arguments = {}) {
     QProcess program;
-    program.start(programPath(QStringLiteral("kv-discover")), arguments);
+    program.start(programPath(u"kv-discover"_s), arguments);
     program.waitForFinished();
     QStringList lines = QString::fromUtf8(program.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts);
-    lines = lines.filter(QStringLiteral("Tovik "));
+    lines = lines.filter(u"Tovik "_s);
     lines.sort();  // They come in the order in which the hosts answered.
     return {program.exitStatus() == QProcess::NormalExit ? program.exitCode() : -1, lines};
 }
@@ -34,8 +36,8 @@ class TestSnmpd : public QObject {
     void initTestCase() {
         qputenv("PATH", "/usr/sbin:" + qgetenv("PATH"));
         // Here the printers are other hosts: their addresses are not this one's.
-        run(QStringLiteral("ip route del local 10.0.0.0/24 dev lo"));
-        addHost(2, deviceId(QStringLiteral("LP1")));
+        run(u"ip route del local 10.0.0.0/24 dev lo"_s);
+        addHost(2, deviceId(u"LP1"_s));
         QTRY_VERIFY(answers(2));
     }
 
@@ -43,22 +45,21 @@ class TestSnmpd : public QObject {
         const Outcome outcome = discover();
         QCOMPARE(outcome.printers, QStringList());
         QCOMPARE(outcome.status, 1);
-        QVERIFY(takeLog(home_).contains(QStringLiteral("IP address is: 10.0.0.2")));
+        QVERIFY(takeLog(home_).contains(u"IP address is: 10.0.0.2"_s));
     }
 
     void findsTheSeries() {
-        addHost(3, deviceId(QStringLiteral("TVK KV260N")));
-        addHost(4, deviceId(QStringLiteral("KV460")));
+        addHost(3, deviceId(u"TVK KV260N"_s));
+        addHost(4, deviceId(u"KV460"_s));
         QTRY_VERIFY(answers(3) && answers(4));
         const Outcome outcome = discover();
-        QCOMPARE(outcome.printers, QStringList({QStringLiteral("Tovik KV260 @10.0.0.3"),
-                                                QStringLiteral("Tovik KV460 @10.0.0.4")}));
+        QCOMPARE(outcome.printers, QStringList({u"Tovik KV260 @10.0.0.3"_s, u"Tovik KV460 @10.0.0.4"_s}));
         QCOMPARE(outcome.status, 0);
     }
 
     void refusesArguments() {
-        QCOMPARE(discover({QStringLiteral("10.0.0.3")}).status, 2);
-        QCOMPARE(discover({QStringLiteral("--unknown")}).status, 2);
+        QCOMPARE(discover({u"10.0.0.3"_s}).status, 2);
+        QCOMPARE(discover({u"--unknown"_s}).status, 2);
     }
 
     void cleanupTestCase() {
@@ -83,19 +84,19 @@ class TestSnmpd : public QObject {
               "ip -n host%1 link set eth0 up"}) {
             run(QString::fromLatin1(command).arg(number));
         }
-        const QString config = home_.path() + QStringLiteral("/snmpd%1.conf").arg(number);
+        const QString config = home_.path() + u"/snmpd%1.conf"_s.arg(number);
         writeFile(config, "rocommunity public\noverride .1.3.6.1.4.1.2699.1.2.1.2.1.1.3.1 octet_str \"" +
                               id.toUtf8() + "\"\n");
         agents_.push_back(std::make_unique<QProcess>());
         agents_.back()->setStandardErrorFile(QProcess::nullDevice());
         agents_.back()->startCommand(
-            QStringLiteral("ip netns exec host%1 snmpd -f -Lo -C -c %2 udp:161").arg(number).arg(config));
+            u"ip netns exec host%1 snmpd -f -Lo -C -c %2 udp:161"_s.arg(number).arg(config));
     }
 
     /// Whether the agent has its socket; asking it would teach the bridge what discovery has to find out.
     bool answers(int number) {
         QProcess process;
-        process.startCommand(QStringLiteral("ip netns exec host%1 cat /proc/net/udp").arg(number));
+        process.startCommand(u"ip netns exec host%1 cat /proc/net/udp"_s.arg(number));
         process.waitForFinished();
         return process.readAllStandardOutput().contains(":00A1 ");
     }
