@@ -1,0 +1,66 @@
+// Whatever a stranger sends in answer to the device id request: it is never read past its end, and what it
+// adds to the list is one well-formed entry, once.
+
+#include "discovery/PrinterDiscovery.h"
+#include "handoff/DiagnosticLog.h"
+
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <array>
+#include <cstdarg>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+// In place of the program's own: formats every record, so that the arguments are read, but opens no file.
+void tDebugPrint(const char* format, ...) {
+    std::array<char, 1024> record;
+    va_list arguments;
+    va_start(arguments, format);
+    std::vsnprintf(record.data(), record.size(), format, arguments);
+    va_end(arguments);
+}
+
+namespace {
+
+constexpr in_addr first{0x0700000a};  // 10.0.0.7, in network byte order
+constexpr in_addr second{0x0800000a};
+
+void require(bool holds) {
+    if (!holds) {
+        std::abort();
+    }
+}
+
+bool isEntryOf(const QString& entry, QStringView address) {
+    static const QRegularExpression form(u"\\ATovik KV(210|260|410|460) @([0-9.]+)\n\\z"_s);
+    const QRegularExpressionMatch match = form.match(entry);
+    return match.hasMatch() && match.capturedView(2) == address;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
+    require(std::freopen("/dev/null", "w", stdout) != nullptr);
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    // A copy of its own that ends where the datagram would.
+    const std::vector<char> reply(data, data + std::min<std::size_t>(size, 1024));
+    g_PrinterList = std::make_shared<QStringList>(u"Enter IP Address Manually\n"_s);
+    addPrinterOfReply(reply, first);
+    const qsizetype found = g_PrinterList->count() - 1;
+    addPrinterOfReply(reply, first);
+    addPrinterOfReply(reply, second);
+    require(found <= 1 && g_PrinterList->count() == 1 + 2 * found);
+    require(g_PrinterList->first() == "Enter IP Address Manually\n"_L1);
+    if (found == 1) {
+        require(isEntryOf(g_PrinterList->at(1), u"10.0.0.7") && isEntryOf(g_PrinterList->at(2), u"10.0.0.8"));
+    }
+    return 0;
+}
