@@ -22,7 +22,17 @@ namespace {
 constexpr int exitFailure = 1;
 constexpr int exitUsage = 2;
 
-/// Help and version must not need a display, which a QApplication does.
+/// The toolkit ends the program in a way of its own when it finds no display.
+bool hasDisplay() {
+    return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
+           !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+}
+
+void complain(const QString& text) {
+    std::fprintf(stderr, "quazel-installer: %s\n", qUtf8Printable(text));
+}
+
+/// Help and version must not need a display, which a QApplication does; null when there is none.
 std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
     for (int index = 1; index < argc; ++index) {
         for (const char* const option : {"-h", "--help", "-v", "--version"}) {
@@ -31,11 +41,7 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
             }
         }
     }
-    return std::make_unique<QApplication>(argc, argv);
-}
-
-void complain(const QString& text) {
-    std::fprintf(stderr, "quazel-installer: %s\n", qUtf8Printable(text));
+    return hasDisplay() ? std::make_unique<QApplication>(argc, argv) : nullptr;
 }
 
 int runInstaller(const QString& pluginFolder) {
@@ -66,6 +72,11 @@ int runInstaller(const QString& pluginFolder) {
 
 int main(int argc, char** argv) {
     const std::unique_ptr<QCoreApplication> application = makeApplication(argc, argv);
+    if (!application) {
+        complain(QStringLiteral(
+            "there is no display to open a window on: neither DISPLAY nor WAYLAND_DISPLAY is set"));
+        return exitFailure;
+    }
     QCoreApplication::setOrganizationName(QStringLiteral("Tovik"));
     QCoreApplication::setApplicationName(QStringLiteral("quazel-installer"));
     QCoreApplication::setApplicationVersion(QStringLiteral(QUAZEL_VERSION));
