@@ -4,6 +4,14 @@
 #include <QFile>
 #include <QTest>
 
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <vector>
+
 TemporaryHome::TemporaryHome() {
     QDir(folder_.path()).mkpath(QStringLiteral("Documents"));
     qputenv("HOME", folder_.path().toUtf8());
@@ -40,20 +48,58 @@ QStringList takeLog(const TemporaryHome& home) {
     return lines;
 }
 
-VirtualPrinters::VirtualPrinters(const QStringList& lines) {
-    const QString list = folder_.filePath(QStringLiteral("printers"));
-    writeFile(list, lines.join(QLatin1Char('\n')).toUtf8() + '\n');
-    process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    process_.start(programPath(QStringLiteral("virtual-printers")),
-                   {QStringLiteral("--record"), folder_.filePath(QStringLiteral("record")), list});
-    if (!process_.waitForReadyRead() || process_.readLine() != "ready\n") {
-        qFatal("the virtual printers do not get ready");
+SpawnedProgram::SpawnedProgram(const QStringList& commandLine) {
+    std::vector<QByteArray> texts{"setpriv", "--pdeathsig", "KILL"};
+    for (const QString& text : commandLine) {
+        texts.push_back(QFile::encodeName(text));
+    }
+    std::vector<char*> arguments;
+    for (QByteArray& text : texts) {
+        arguments.push_back(text.data());
+    }
+    arguments.push_back(nullptr);
+
+    int ends[2] = {-1, -1};
+    posix_spawn_file_actions_t actions;
+    const bool isPrepared = ::pipe2(ends, O_CLOEXEC) == 0 && ::posix_spawn_file_actions_init(&actions) == 0 &&
+                            ::posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO) == 0;
+    if (!isPrepared ||
+        ::posix_spawnp(&pid_, arguments[0], &actions, nullptr, arguments.data(), environ) != 0) {
+        qFatal("can't start %s", qUtf8Printable(commandLine.first()));
+    }
+    ::posix_spawn_file_actions_destroy(&actions);
+    ::close(ends[1]);
+    output_.open(ends[0], QIODevice::ReadOnly, QFileDevice::AutoCloseHandle);
+}
+
+SpawnedProgram::~SpawnedProgram() {
+    if (pid_ != 0) {
+        (void)terminate(10000);
     }
 }
 
-VirtualPrinters::~VirtualPrinters() {
-    process_.terminate();
-    process_.waitForFinished();
+int SpawnedProgram::terminate(int limit) {
+    ::kill(pid_, SIGTERM);
+    int status = 0;
+    for (int waited = 0; ::waitpid(pid_, &status, WNOHANG) != pid_; waited += 5) {
+        if (waited >= limit) {
+            return -1;
+        }
+        QTest::qSleep(5);
+    }
+    pid_ = 0;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+VirtualPrinters::VirtualPrinters(const QStringList& lines) {
+    const QString list = folder_.filePath(QStringLiteral("printers"));
+    writeFile(list, lines.join(QLatin1Char('\n')).toUtf8() + '\n');
+    process_ = std::make_unique<SpawnedProgram>(
+        QStringList{programPath(QStringLiteral("virtual-printers")), QStringLiteral("--record"),
+                    folder_.filePath(QStringLiteral("record")), list});
+    if (process_->readLine() != "ready\n") {
+        qFatal("the virtual printers do not get ready");
+    }
 }
 
 QStringList VirtualPrinters::requests() const {

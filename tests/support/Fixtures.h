@@ -3,10 +3,15 @@
 
 #pragma once
 
+#include <QFile>
 #include <QProcess>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
+
+#include <sys/types.h>
+
+#include <memory>
 
 /// A home folder that lasts as long as this object; the process's documents and settings lie in it. Made
 /// before anything asks for a folder.
@@ -32,19 +37,40 @@ void writeFile(const QString& path, const QByteArray& content);
 /// so that the next call gives what came since.
 [[nodiscard]] QStringList takeLog(const TemporaryHome& home);
 
+/// A program in a process of its own. Ends with this object, and with the test should that die. Not a
+/// QProcess: ThreadSanitizer takes the way that starts one for a fork of the test, and reports nothing from
+/// then on.
+class SpawnedProgram {
+  public:
+    /// The program and its arguments; it shares the test's environment and standard error.
+    explicit SpawnedProgram(const QStringList& commandLine);
+    SpawnedProgram(const SpawnedProgram&) = delete;
+    SpawnedProgram& operator=(const SpawnedProgram&) = delete;
+    ~SpawnedProgram();
+
+    /// The next line of its standard output, waited for; empty at the end.
+    [[nodiscard]] QByteArray readLine() { return output_.readLine(); }
+
+    /// Sends SIGTERM. Exit status, or -1 when it ends by a signal or not within `limit` milliseconds.
+    [[nodiscard]] int terminate(int limit);
+
+  private:
+    pid_t pid_ = 0;  // 0 once it has ended
+    QFile output_;
+};
+
 /// A subnet of printers in a process of its own; needs a network of its own. Ends with this object.
 class VirtualPrinters {
   public:
     /// Lines as the tool takes them, such as "10.0.0.5 answers MFG:...". Returns when all listen.
     explicit VirtualPrinters(const QStringList& lines);
-    ~VirtualPrinters();
 
     /// The requests that came, in order, each as "ADDRESS HEXBYTES".
     [[nodiscard]] QStringList requests() const;
 
   private:
     QTemporaryDir folder_;
-    QProcess process_;
+    std::unique_ptr<SpawnedProgram> process_;
 };
 
 /// A complete device id of the series' form with the given model text.

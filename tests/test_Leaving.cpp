@@ -1,0 +1,187 @@
+// Leaving in the middle of a discovery, in every way and at every point of it; and what many discoveries
+// leave behind.
+
+#include "Installer/InstallerWindow.h"
+#include "NetworkPrinterConfig/NetworkPrinterConfigPane.h"
+#include "discovery/ProbeCollection.h"
+#include "support/Fixtures.h"
+#include "support/SystemLogCapture.h"
+#include "support/TestMain.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QRadioButton>
+#include <QTest>
+
+#include <malloc.h>
+
+#include <optional>
+
+using namespace Qt::StringLiterals;
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
+#endif
+
+namespace {
+
+constexpr int longestLeaving = 2500;  // ms
+const QString firstTask = u"\tGetPrinterIP\n"_s;
+const QString search = u"\tBefore GetTovikQuazelPrinters\n"_s;
+const QString firstProbe = u"\t**** 127.0.0.1\n"_s;
+const QString firstQuestion = u"\tIP address is: 10.0.0.9\n"_s;
+const QString lastTask = u"\tFound an Item: "_s;
+
+qint64 allocatedBytes() {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    return static_cast<qint64>(__sanitizer_get_current_allocated_bytes());
+#else
+    return static_cast<qint64>(::mallinfo2().uordblks);
+#endif
+}
+
+qsizetype countIn(const QString& folder) {
+    return QDir(folder).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size();
+}
+
+qsizetype threads() {
+    return countIn(u"/proc/self/task"_s);
+}
+
+/// Waits for a record, and a moment longer, so that what follows it is under way.
+bool waitForRecord(const QString& log, const QString& record, const std::function<void()>& meanwhile) {
+    QElapsedTimer clock;
+    for (clock.start(); clock.elapsed() < 10000; QTest::qSleep(5)) {
+        if (contentOf(log).contains(record.toUtf8())) {
+            QTest::qSleep(50);
+            return true;
+        }
+        meanwhile();
+    }
+    return false;
+}
+
+void standStill() {}
+
+void handleEvents() {
+    QCoreApplication::processEvents();
+}
+
+}  // namespace
+
+class TestLeaving : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void initTestCase() { systemLog_.emplace(); }
+
+    void leaves_data() {
+        QTest::addColumn<QString>("way");
+        QTest::addColumn<QString>("record");  // the point of the discovery
+        for (const char* const way : {"page", "window", "program"}) {
+            for (const auto& [point, record] :
+                 {std::pair("before the search, with a task waiting", firstTask),
+                  std::pair("while replies are collected", firstProbe),
+                  std::pair("while a printer is silent", firstQuestion),
+                  std::pair("after the search, with a task waiting", lastTask)}) {
+                QTest::addRow("%s, %s", way, point) << QString::fromLatin1(way) << record;
+            }
+        }
+    }
+    void leaves() {
+        QFETCH(QString, way);
+        QFETCH(QString, record);
+        QStringList silent;
+        for (int host = 9; record != lastTask && host < 15; ++host) {
+            silent += u"10.0.0.%1 silent"_s.arg(host);
+        }
+        const VirtualPrinters printers(silent);
+        if (way == u"program"_s) {
+            leaveProgram(record);
+        } else {
+            leavePage(record, way == u"window"_s);
+        }
+    }
+
+    void manyDiscoveriesLeaveNothingBehind() {
+        Timeout = 0;
+        NetworkPrinterConfigPane pane;
+        pane.awakeFromNib();
+        const auto refresh = [&pane](int times) {
+            for (int count = 0; count < times; ++count) {
+                QTest::mouseClick(pane.RefreshButton(), Qt::LeftButton);
+                while (!pane.isNextEnabled()) {
+                    QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+                }
+            }
+        };
+        refresh(20);       // What is made once.
+        QTest::qWait(50);  // The last thread ends.
+        const qsizetype threadsBefore = threads();
+        const qsizetype descriptors = countIn(u"/proc/self/fd"_s);
+        const qint64 bytes = allocatedBytes();
+        refresh(200);
+        QTRY_COMPARE(threads(), threadsBefore);
+        QCOMPARE(countIn(u"/proc/self/fd"_s), descriptors);
+        const qint64 growth = allocatedBytes() - bytes;
+        QVERIFY2(growth < 20000, qPrintable(u"%1 bytes"_s.arg(growth)));  // Far less than 200 of anything.
+        Timeout = 1000;
+    }
+
+  private:
+    void leavePage(const QString& record, bool inWindow) {
+        (void)takeLog(home_);
+        auto pane = std::make_unique<NetworkPrinterConfigPane>();
+        pane->awakeFromNib();
+        NetworkPrinterConfigPane& page = *pane;
+        std::unique_ptr<InstallerWindow> window;
+        if (inWindow) {
+            window = std::make_unique<InstallerWindow>(std::vector<InstallerPane*>{pane.release()});
+            window->show();
+        } else {
+            page.contentWidget()->show();
+        }
+        QCoreApplication::processEvents();
+        const qsizetype threadsBefore = threads();
+        QTest::mouseClick(page.radiobtnPrinterType()->cellAt(1, 0), Qt::LeftButton, {}, QPoint(5, 5));
+        QVERIFY(waitForRecord(home_.log(), firstTask, standStill));
+        if (record != firstTask) {
+            QVERIFY(waitForRecord(home_.log(), search, handleEvents));
+            QVERIFY(waitForRecord(home_.log(), record, standStill));
+        }
+        QElapsedTimer clock;
+        clock.start();
+        if (window) {
+            window->close();
+            QVERIFY(!window->isVisible());
+            QVERIFY(clock.elapsed() < 200);  // The window is gone at once, whatever still has to end.
+        }
+        window.reset();
+        pane.reset();
+        QVERIFY2(clock.elapsed() < longestLeaving, qPrintable(u"%1 ms"_s.arg(clock.elapsed())));
+        QCoreApplication::processEvents();  // Nothing of the page may be left in the queue.
+        QTRY_COMPARE(threads(), threadsBefore);
+    }
+
+    void leaveProgram(const QString& record) {
+        const QTemporaryDir home;
+        const QString log = home.filePath(u"Documents/QzInstall.log"_s);
+        const QString folder = home.filePath(u"plugins"_s);
+        QVERIFY(QDir().mkdir(folder));
+        QVERIFY(QFile::link(QStringLiteral(QUAZEL_PAGE_PLUGIN), folder + u"/page.so"_s));
+        QVERIFY(
+            QFile::link(QStringLiteral(QUAZEL_TEST_PLUGINS "/plugin_person.so"), folder + u"/person.so"_s));
+        SpawnedProgram program(
+            {u"env"_s, u"HOME="_s + home.path(), programPath(u"quazel-installer"_s), u"--plugins"_s, folder});
+        QVERIFY(waitForRecord(log, record, standStill));
+        QCOMPARE(program.terminate(longestLeaving), 0);
+    }
+
+    TemporaryHome home_;
+    std::optional<SystemLogCapture> systemLog_;
+};
+
+QUAZEL_TEST_MAIN(TestLeaving, QApplication)
+
+#include "test_Leaving.moc"
