@@ -11,17 +11,72 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cstdarg>
 #include <cstdio>
-#include <memory>
+#include <span>
+#include <string_view>
+#include <vector>
 
 namespace {
 
 /// Without a documents folder this is "(null)/QzInstall.log", relative to the working directory.
 QString logFilePath() {
     return stringWithFormat(u"%@/QzInstall.log", {documentsDirectory()});
+}
+
+constexpr std::string_view recordStart = QUAZEL_BUILD_DATE "\t";
+
+/// The log file, open for one record. The system calls are those of a stream in mode "ab+", without the
+/// stream: making and freeing it took longer than the writing, and a record longer than its buffer was
+/// written in pieces.
+class LogFile {
+  public:
+    explicit LogFile(const char* path) : descriptor_(::open(path, O_RDWR | O_CREAT | O_APPEND, 0666)) {}
+    LogFile(const LogFile&) = delete;
+    LogFile& operator=(const LogFile&) = delete;
+    ~LogFile() {
+        if (descriptor_ >= 0) {
+            ::close(descriptor_);
+        }
+    }
+
+    [[nodiscard]] bool isOpen() const { return descriptor_ >= 0; }
+
+    /// A record that can't be written is dropped.
+    void append(std::string_view record) const {
+        [[maybe_unused]] const ssize_t written = ::write(descriptor_, record.data(), record.size());
+    }
+
+  private:
+    int descriptor_;
+};
+
+/// Writes the record's start and the message into `room` as far as they fit. Returns the length of all of it.
+std::size_t formatRecord(std::span<char> room, const char* format, va_list arguments) {
+    const std::size_t start = recordStart.copy(room.data(), room.size());
+    const int length = std::vsnprintf(room.data() + start, room.size() - start, format, arguments);
+    return start + static_cast<std::size_t>(std::max(length, 0));
+}
+
+/// Any message of the page but the longest fits the room on the stack.
+void appendRecord(const LogFile& log, const char* format, va_list arguments) {
+    va_list again;
+    va_copy(again, arguments);
+    std::array<char, 1024> room;
+    const std::size_t length = formatRecord(room, format, arguments);
+    if (length < room.size()) {
+        log.append({room.data(), length});
+    } else {
+        std::vector<char> largerRoom(length + 1);
+        formatRecord(largerRoom, format, again);
+        log.append({largerRoom.data(), length});
+    }
+    va_end(again);
 }
 
 }  // namespace
@@ -44,18 +99,13 @@ void tDebugPrint(const char* format, ...) {
         return path;
     }();
 
-    struct Closer {
-        void operator()(std::FILE* stream) const { std::fclose(stream); }
-    };
-    const std::unique_ptr<std::FILE, Closer> log(std::fopen(InstallerlogFilePath.constData(), "ab+"));
-    if (!log) {
+    const LogFile log(InstallerlogFilePath.constData());
+    if (!log.isOpen()) {
         return;
     }
-    std::fputs(QUAZEL_BUILD_DATE, log.get());
-    std::fputs("\t", log.get());
     va_list arguments;
     va_start(arguments, format);
-    std::vfprintf(log.get(), format, arguments);  // NOLINT(clang-analyzer-valist.Uninitialized)
+    appendRecord(log, format, arguments);
     va_end(arguments);
 }
 
