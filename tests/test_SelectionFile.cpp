@@ -9,31 +9,11 @@
 #include <QDir>
 #include <QTest>
 
-#include <optional>
-
 namespace {
 
 using namespace Qt::StringLiterals;
 
 QString documents;  // What documentsDirectory() answers.
-
-enum class Before { Nothing, OldLine, Folder, LinkToNothing };
-
-void prepare(Before before, const QString& path) {
-    switch (before) {
-        case Before::Nothing:
-            break;
-        case Before::OldLine:
-            writeFile(path, "KV460 192.168.100.200");
-            break;
-        case Before::Folder:
-            QVERIFY(QDir().mkpath(path + u"/full"_s));
-            break;
-        case Before::LinkToNothing:
-            QVERIFY(QFile::link(u"elsewhere"_s, path));
-            break;
-    }
-}
 
 }  // namespace
 
@@ -46,111 +26,82 @@ class TestSelectionFile : public QObject {
     Q_OBJECT
 
   private slots:
-    void initTestCase() { systemLog_.emplace(); }
-
-    void init() {
-        QDir(home_.documents()).removeRecursively();
-        QDir().mkpath(home_.documents());
-        documents = home_.documents();
-    }
-
-    void writes_data() {
-        QTest::addColumn<Before>("before");
-        QTest::addColumn<QString>("line");
-        QTest::addColumn<QByteArray>("content");
-        const QString line = u"KV210 192.168.1.10"_s;
-        const QByteArray old = "KV460 192.168.100.200";
-        QTest::newRow("new") << Before::Nothing << line << QByteArray("KV210 192.168.1.10");
-        QTest::newRow("shorter than the old") << Before::OldLine << line << QByteArray("KV210 192.168.1.10");
-        QTest::newRow("not ASCII") << Before::OldLine << u"KV210 ١٩٢"_s << old;
-        QTest::newRow("null") << Before::OldLine << QString() << old;
-        QTest::newRow("a folder is there") << Before::Folder << line << QByteArray();
-        QTest::newRow("through a link") << Before::LinkToNothing << line << QByteArray("KV210 192.168.1.10");
-    }
     void writes() {
-        QFETCH(Before, before);
-        QFETCH(QString, line);
-        prepare(before, home_.selectionFile());
-        writeToTextFile(line);
-        QTEST(contentOf(home_.selectionFile()), "content");
-        const QString shown = line.isNull() ? u"(null)"_s : line;
-        QCOMPARE(systemLog_->take(),
-                 QStringList({u"Going to Write "_s + shown, u"writeToTextFile"_s, u"writeToTextFile end"_s}));
-        QCOMPARE(takeLog(home_), QStringList({u"Writing to Text File"_s, u"writeToTextFile "_s + shown,
-                                              u"writeToTextFile END"_s}));
-    }
+        documents = home_.documents();
+        SystemLogCapture systemLog;
+        QStringList systemLines;
+        QStringList records;
+        const auto contentAfter = [&](const QString& line) {
+            writeToTextFile(line);
+            const QString shown = line.isNull() ? u"(null)"_s : line;
+            systemLines << u"Going to Write "_s + shown << u"writeToTextFile"_s << u"writeToTextFile end"_s;
+            records << u"Writing to Text File"_s << u"writeToTextFile "_s + shown << u"writeToTextFile END"_s;
+            return contentOf(file_);
+        };
+        QCOMPARE(contentAfter(u"KV460 192.168.100.200"_s), "KV460 192.168.100.200");
+        QCOMPARE(contentAfter(u"KV210 192.168.1.10"_s), "KV210 192.168.1.10");  // Shorter than the old one.
+        QCOMPARE(contentAfter(u"KV210 ١٩٢"_s), "KV210 192.168.1.10");
+        QCOMPARE(contentAfter(QString()), "KV210 192.168.1.10");
+        QVERIFY(QFile::remove(file_) && QFile::link(u"elsewhere"_s, file_));
+        QCOMPARE(contentAfter(u"KV260 10.0.0.1"_s), "KV260 10.0.0.1");
+        QVERIFY(QFileInfo(file_).isSymLink() && QFile::remove(file_) && QDir().mkpath(file_ + u"/full"_s));
+        QCOMPARE(contentAfter(u"KV260 10.0.0.1"_s), QByteArray());
 
-    void givesUpWithoutDocumentsFolder() {
         documents = QString();
         writeToTextFile(u"KV210 10.0.0.1"_s);
-        QCOMPARE(systemLog_->take(),
-                 QStringList({u"Going to Write KV210 10.0.0.1"_s, u"writeToTextFile failed"_s}));
-        QCOMPARE(takeLog(home_), QStringList({u"Writing to Text File"_s, u"writeToTextFile failed"_s}));
+        systemLines << u"Going to Write KV210 10.0.0.1"_s << u"writeToTextFile failed"_s;
+        records << u"Writing to Text File"_s << u"writeToTextFile failed"_s;
+        QCOMPARE(systemLog.take(), systemLines);
+        QCOMPARE(takeLog(home_), records);
     }
 
-    void removes_data() {
-        QTest::addColumn<Before>("before");
-        QTest::addColumn<QString>("directory");
-        QTest::addColumn<QString>("systemLine");  // Null: no line.
-        const QString there = home_.documents();
-        const QString tooLong(256, QLatin1Char('x'));
-        QTest::newRow("present") << Before::OldLine << there << u"(null)"_s;
-        QTest::newRow("a folder") << Before::Folder << there << u"(null)"_s;
-        QTest::newRow("a dangling link") << Before::LinkToNothing << there << u"(null)"_s;
-        QTest::newRow("absent") << Before::Nothing << there << QString();
-        QTest::newRow("no documents folder") << Before::Nothing << QString() << QString();
-        QTest::newRow("an error") << Before::Nothing << tooLong
-                                  << u"Error Code=512 \"File name too long\" %1/KV.txt"_s.arg(tooLong);
-    }
     void removes() {
-        QFETCH(Before, before);
-        QFETCH(QString, directory);
-        QFETCH(QString, systemLine);
-        prepare(before, home_.selectionFile());
-        documents = directory;
-        RemoveFile();
-        QVERIFY(QDir(home_.documents()).entryList({u"KV*"_s}, QDir::AllEntries | QDir::System).isEmpty());
-        QCOMPARE(systemLog_->take(), systemLine.isNull() ? QStringList() : QStringList(systemLine));
-        QCOMPARE(takeLog(home_), QStringList({u"Inside RemoveFile"_s, u"Return from RemoveFile"_s}));
+        SystemLogCapture systemLog;
+        const auto linesAndWhatIsLeft = [&](const QString& folder) {
+            documents = folder;
+            RemoveFile();
+            return systemLog.take() + QDir(folder.isNull() ? u"(null)"_s : folder)
+                                          .entryList({u"KV*"_s}, QDir::AllEntries | QDir::System);
+        };
+        const QStringList silence;
+        const QStringList done{u"(null)"_s};
+        QVERIFY(QDir(home_.documents()).removeRecursively());
+        QCOMPARE(linesAndWhatIsLeft(home_.documents()), silence);
+        QVERIFY(QDir().mkpath(file_ + u"/full"_s));
+        QCOMPARE(linesAndWhatIsLeft(home_.documents()), done);
+        writeFile(file_, "KV460 192.168.100.200");
+        QCOMPARE(linesAndWhatIsLeft(home_.documents()), done);
+        QVERIFY(QFile::link(u"elsewhere"_s, file_));
+        QCOMPARE(linesAndWhatIsLeft(home_.documents()), done);
+        QCOMPARE(linesAndWhatIsLeft(QString(256, u'y')).join(u'|').remove(u'y'),
+                 u"Error Code=512 \"File name too long\" /KV.txt"_s);
+        QVERIFY(QDir::setCurrent(home_.path()));
+        QCOMPARE(linesAndWhatIsLeft(QString()), silence);
+        QVERIFY(QDir().mkpath(u"(null)/KV.txt"_s));
+        QCOMPARE(linesAndWhatIsLeft(QString()), done);
+        // Six times, as the first had no folder for its log.
+        QCOMPARE(takeLog(home_).join(u'|') + u'|',
+                 u"Inside RemoveFile|Return from RemoveFile|"_s.repeated(6));
     }
 
-    void removesRelativeToTheWorkingFolder() {
-        documents = QString();
-        QVERIFY(QDir::setCurrent(home_.path()) && QDir().mkpath(u"(null)/KV.txt"_s));
-        RemoveFile();
-        QVERIFY(!QDir(u"(null)/KV.txt"_s).exists());
-        QCOMPARE(systemLog_->take(), QStringList(u"(null)"_s));
-    }
-
-    void reads_data() {
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<QByteArray>("content");  // Null: the path is used as it is.
-        QTest::addColumn<QString>("text");
-        const QString file = home_.path() + u"/Version"_s;
-        QTest::newRow("missing") << u"/nowhere/Version"_s << QByteArray() << u""_s;
-        QTest::newRow("empty") << file << QByteArray("") << u""_s;
-        QTest::newRow("line end kept") << file << QByteArray("1.0.10.0\n") << u"1.0.10.0\n"_s;
-        QTest::newRow("UTF-8") << file << QByteArray("\xc3\xbc") << u"ü"_s;
-        QTest::newRow("not UTF-8") << file << QByteArray("1.0\xff") << QString();
-        QTest::newRow("cut UTF-8") << file << QByteArray("1.0\xc3") << QString();
-        QTest::newRow("a folder") << home_.path() << QByteArray() << QString();
-        QTest::newRow("read error") << u"/proc/self/mem"_s << QByteArray() << QString();
-    }
     void reads() {
-        QFETCH(QString, path);
-        QFETCH(QByteArray, content);
-        QFETCH(QString, text);
-        if (!content.isNull()) {
-            writeFile(path, content);
+        const QString file = home_.path() + u"/Version"_s;
+        QVERIFY(!GetFileData(file).isNull() && GetFileData(file).isEmpty());
+        for (const QByteArray content : {"", "1.0.10.0\n", "\xc3\xbc"}) {
+            writeFile(file, content);
+            QVERIFY(!GetFileData(file).isNull());
+            QCOMPARE(GetFileData(file), QString::fromUtf8(content));
         }
-        const QString found = GetFileData(path);
-        QCOMPARE(found, text);
-        QCOMPARE(found.isNull(), text.isNull());
+        for (const QByteArray content : {"1.0\xff", "1.0\xc3"}) {
+            writeFile(file, content);
+            QVERIFY2(GetFileData(file).isNull(), content);
+        }
+        QVERIFY(GetFileData(home_.path()).isNull() && GetFileData(u"/proc/self/mem"_s).isNull());
     }
 
   private:
     TemporaryHome home_;
-    std::optional<SystemLogCapture> systemLog_;
+    const QString file_ = home_.selectionFile();
 };
 
 QUAZEL_TEST_MAIN(TestSelectionFile, QCoreApplication)
