@@ -25,65 +25,43 @@ const QString deviceIdRequest =
     u"302d02010004067075626c6963a02002010202010002010030153013060f2b06010401950b01020102010103010500"_s;
 
 struct Printer {
-    QString line;   ///< What it does, as the virtual printers take it, without the address.
-    QString model;  ///< The model name it is found under; null for one that is not.
-    QStringList
-        log;  ///< What the log has after its address; of a printer that is found, "Count" has no number.
+    QByteArray does;  ///< As the virtual printers take it, without the address.
+    QString model{};  ///< The model name it is found under; empty for one that is not.
+    QString reported = model;
+    QString maker = u"Tovik"_s;
+    QString failure{};  ///< The record of it.
     int replies = 1;
 };
 
-Printer found(const QString& line, const char* model, const char* reported, const char* maker = "Tovik") {
-    const QString text = QLatin1String(reported);
-    return {line, QLatin1String(model),
-            QStringList{u"Response is "_s + text, u"Count Inside Is %1"_s} +
-                (u"Printer manufacture is "_s + QString::fromUtf8(maker)).split(u'\n') +
-                QStringList{u"Printer modal is "_s + text}};
+QByteArray raw(const QByteArray& reply) {
+    return "raw " + (reply.isEmpty() ? "-" : reply.toHex());
 }
 
-Printer notFound(const QString& line, const QStringList& log = {}) {
-    return {line, QString(), log};
-}
-
-Printer raw(Printer printer, const QByteArray& reply) {
-    printer.line = u"raw "_s + (reply.isEmpty() ? u"-"_s : QString::fromLatin1(reply.toHex()));
-    return printer;
-}
-
-QByteArray idOfSize(int size) {
-    const QByteArray start = "MFG:Tovik;CMD:X;MDL:KV210;CLS:PRINTER;DES:d;SERN:";
-    return start + QByteArray(size - start.size(), 's');
-}
-
+const QString timedOut = u"Cant able to receive anything Resource temporarily unavailable\n"_s;
 const QByteArray id = deviceId(u"KV410"_s).toLatin1();
-const QStringList timedOut{u"Cant able to receive anything Resource temporarily unavailable"_s};
+const qsizetype afterModel = id.indexOf(";CLS");
+const QByteArray longId = id + QByteArray(255 - id.size(), 's');
+const QByteArray zeros(1024, '\0');
 
 const std::vector<Printer> printers{
-    found(u"answers "_s + deviceId(u"TVK KV260N"_s), "KV260", "TVK KV260N"),
-    {u"twice "_s + deviceId(u"KV210"_s), u"KV210"_s, found({}, "", "KV210").log, 2},
-    notFound(u"answers MFG:Other;CMD:X;MDL:LP1;CLS:PRINTER;DES:x;SERN:1"_s),
-    notFound(u"answers MFG:Tovik;CMD:X;MDL:kv210;CLS:PRINTER;DES:x;SERN:1"_s),
-    notFound(u"silent"_s, timedOut),
-    found(u"late 300 "_s + deviceId(u"KV460N"_s), "KV460", "KV460N"),
-    notFound(u"late 1200 "_s + deviceId(u"KV460N"_s), timedOut),
-    // Keys in another order.
-    notFound(u"answers CMD:X;MFG:Tovik;MDL:KV210;CLS:PRINTER;DES:x;SERN:1"_s),
-    notFound(u"answers MFG:Tovik;MDL:KV210;CMD:X;CLS:PRINTER;DES:x;SERN:1"_s),
+    {"answers " + deviceId(u"TVK KV260N"_s).toLatin1(), u"KV260"_s, u"TVK KV260N"_s},
+    {.does = "twice " + deviceId(u"KV210"_s).toLatin1(), .model = u"KV210"_s, .replies = 2},
+    {"answers MFG:Other;CMD:X;MDL:LP1;CLS:PRINTER;DES:x;SERN:1"},
+    {.does = "silent", .failure = timedOut},
+    {"late 300 " + deviceId(u"KV460N"_s).toLatin1(), u"KV460"_s, u"KV460N"_s},
+    {.does = "late 1200 " + deviceId(u"KV460N"_s).toLatin1(), .failure = timedOut},
+    {"answers CMD:X;MFG:Tovik;MDL:KV210;CLS:PRINTER;DES:x;SERN:1"},
     // A maker that would be a format or a record, were it taken for one.
-    raw(found({}, "KV410", "KV410", "100%n%s\nvik"), "MFG:100%n%s\nvik;CMD:X;MDL:KV410;CLS:P;DES:d;SERN:1"),
+    {raw("MFG:100%n%s\nvik;CMD:X;MDL:KV410;CLS:P;DES:d;SERN:1"), u"KV410"_s, u"KV410"_s, u"100%n%s\nvik"_s},
     // Not SNMP at all, cut anywhere, and of the sizes at which something ends.
-    raw(notFound({}), ""),
-    raw(notFound({}), "M"),
-    raw(notFound({}), "MFG"),
-    raw(notFound({}), "MFG:"),
-    raw(notFound({}), QByteArray(1020, '\xff') + "MFG:"),
-    raw(found({}, "KV410", "KV410"), id.left(id.indexOf(";CLS"))),
-    raw(notFound({}), id.left(id.indexOf(";CLS") - 1)),
-    raw(found({}, "KV410", "KV410"), QByteArray(1024 - id.size(), '\0') + id),
-    raw(found({}, "KV410", "KV410"), QByteArray(1024 - id.size(), '\0') + id + QByteArray(400, 'x')),
-    raw(notFound({}), QByteArray(1024 - id.indexOf("10;CLS"), '\0') + id),
-    raw(found({}, "KV210", "KV210"), idOfSize(255)),
-    raw(notFound({}), idOfSize(256)),
-    raw(found({}, "KV210", "KV210"), idOfSize(255) + QByteArray("\0tail", 5)),
+    {raw("")},
+    {raw(id.left(afterModel)), u"KV410"_s},
+    {raw(id.left(afterModel - 1))},
+    {raw(zeros.left(1024 - id.size()) + id + QByteArray(400, 'x')), u"KV410"_s},
+    {raw(zeros.left(1024 - afterModel + 2) + id)},
+    {raw(longId), u"KV410"_s},
+    {raw(longId + 's')},
+    {raw(longId + QByteArray("\0tail", 5)), u"KV410"_s},
 };
 
 QString addressOf(std::size_t index) {
@@ -91,19 +69,21 @@ QString addressOf(std::size_t index) {
 }
 
 /// What one responder adds to the log and, if it is found, to the list.
-QStringList examined(std::size_t index, QStringList& list) {
+QString examined(std::size_t index, QStringList& list) {
     const Printer& printer = printers[index];
-    if (!printer.model.isNull()) {
-        const QString entry = u"Tovik %1 @%2\n"_s.arg(printer.model, addressOf(index));
-        if (!list.contains(entry)) {
-            list.append(entry);
-        }
+    const QString start =
+        u"Waiting for receive from 2@@@ \nIP address is: %1\n"_s.arg(addressOf(index)) + printer.failure;
+    if (printer.model.isEmpty()) {
+        return start;
     }
-    QStringList log{u"Waiting for receive from 2@@@ "_s, u"IP address is: "_s + addressOf(index)};
-    for (const QString& record : printer.log) {
-        log += record.contains(u"%1") ? record.arg(list.count()) : record;
+    const QString entry = u"Tovik %1 @%2\n"_s.arg(printer.model, addressOf(index));
+    if (!list.contains(entry)) {
+        list.append(entry);
     }
-    return log;
+    return start + u"Response is %1\nCount Inside Is %2\nPrinter manufacture is %3\nPrinter modal is %1\n"_s
+                       .arg(printer.reported)
+                       .arg(list.count())
+                       .arg(printer.maker);
 }
 
 }  // namespace
@@ -116,30 +96,29 @@ class TestPrinterDiscovery : public QObject {
         QVERIFY(g_PrinterList == nullptr);
         QStringList lines;
         for (std::size_t index = 0; index < printers.size(); ++index) {
-            lines += addressOf(index) + u' ' + printers[index].line;
+            lines += addressOf(index) + u' ' + QString::fromLatin1(printers[index].does);
         }
         const VirtualPrinters subnet(lines);
         GetTovikQuazelPrinters();
         const QStringList log = takeLog(home_);
         QStringList probed = log.filter(u"**** "_s);
         QStringList list{manualEntry};
-        QStringList collected, examinations, requests, perAddress;
+        QStringList requests;
+        QString collected, examinations;
         for (int address = 0; address < localAddresses; ++address) {
-            int replies = 0;
+            collected += probed.value(address) + u'\n';
             for (std::size_t index = 0; index < printers.size(); ++index) {
-                for (int reply = 0; reply < printers[index].replies; ++reply, ++replies) {
+                for (int reply = 0; reply < printers[index].replies; ++reply) {
+                    collected += u"Waiting for Recevfrom\n"_s;
                     examinations += examined(index, list);
                     requests += addressOf(index) + u' ' + deviceIdRequest;
                 }
             }
-            collected += probed.value(address);
-            collected += QStringList(replies, u"Waiting for Recevfrom"_s);
-            collected += u"Out of While loop"_s;
+            collected += u"Out of While loop\n"_s;
         }
-        const auto total = requests.count();
-        QCOMPARE(log, QStringList{u"GetTovikQuazelPrinters"_s} + collected +
-                          QStringList{u"Total Printers avialable in the Network %1"_s.arg(total)} +
-                          examinations + QStringList{u"Returning to UI**"_s});
+        const QString total = u"Total Printers avialable in the Network %1\n"_s.arg(requests.count());
+        QCOMPARE(log.join(u'\n'),
+                 u"GetTovikQuazelPrinters\n"_s + collected + total + examinations + u"Returning to UI**"_s);
         QCOMPARE(subnet.requests(), QStringList(localAddresses, probe) + requests);
         QCOMPARE(*g_PrinterList, list);
         probed.sort();
