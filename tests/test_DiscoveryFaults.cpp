@@ -2,7 +2,6 @@
 // with a list and a log that tell the truth.
 
 #include "discovery/PrinterDiscovery.h"
-#include "discovery/ProbeCollection.h"
 #include "discovery/UdpSocket.h"
 #include "support/Fixtures.h"
 #include "support/TestMain.h"
@@ -12,7 +11,6 @@
 #include <QTest>
 
 #include <fcntl.h>
-#include <ifaddrs.h>
 #include <netinet/udp.h>
 #include <sys/resource.h>
 #include <sys/select.h>
@@ -23,10 +21,7 @@
 #include <cstdlib>
 #include <functional>
 #include <limits>
-#include <optional>
 #include <thread>
-#include <tuple>
-#include <vector>
 
 namespace {
 
@@ -36,9 +31,9 @@ using namespace std::chrono_literals;
 
 /// What the system refuses to the thread that has set it: the discovery's, not the peer's.
 struct Faults {
-    bool interfaces = false;
     int socketsLeft = std::numeric_limits<int>::max();
     int sendsLeft = std::numeric_limits<int>::max();
+    int lowestDescriptor = 0;
     std::function<int(int highest, fd_set* readable)> select;
 };
 thread_local Faults faults;
@@ -52,16 +47,18 @@ int refuse(int error) {
 
 // The linker puts these in front of the system's own.
 extern "C" {
-int __real_getifaddrs(ifaddrs** list);
 int __real_socket(int domain, int type, int protocol);
 ssize_t __real_sendto(int, const void*, std::size_t, int, const sockaddr*, socklen_t);
 int __real_select(int, fd_set*, fd_set*, fd_set*, timeval*);
 
-int __wrap_getifaddrs(ifaddrs** list) {
-    return faults.interfaces ? refuse(ENOMEM) : __real_getifaddrs(list);
-}
 int __wrap_socket(int domain, int type, int protocol) {
-    return faults.socketsLeft-- <= 0 ? refuse(EMFILE) : __real_socket(domain, type, protocol);
+    if (faults.socketsLeft-- <= 0) {
+        return refuse(EMFILE);
+    }
+    const int first = __real_socket(domain, type, protocol);
+    const int moved = ::fcntl(first, F_DUPFD, faults.lowestDescriptor);
+    ::close(first);
+    return moved;
 }
 ssize_t __wrap_sendto(int fd, const void* data, std::size_t size, int flags, const sockaddr* to,
                       socklen_t length) {
@@ -75,17 +72,20 @@ int __wrap_select(int highest, fd_set* readable, fd_set* writable, fd_set* speci
 
 namespace {
 
-constexpr std::size_t probeSize = 38;
+constexpr ssize_t probeSize = 38;
 const QByteArray noDeviceId = "x";
+const pthread_t runner = ::pthread_self();
+std::stop_source leaving;
+std::jthread sender;
 
 void send(int descriptor, const QByteArray& bytes, const sockaddr_in& to) {
     ::sendto(descriptor, bytes.constData(), static_cast<std::size_t>(bytes.size()), 0,
              reinterpret_cast<const sockaddr*>(&to), sizeof(to));
 }
 
-/// Sends a datagram that often, after a pause each time.
-std::jthread repeat(int times, std::chrono::milliseconds pause, int descriptor, const sockaddr_in& to) {
-    return std::jthread([=](const std::stop_token& stop) {
+/// Sends a datagram that often, after a pause each time, while the peer is there.
+void repeat(int times, std::chrono::milliseconds pause, int descriptor, const sockaddr_in& to) {
+    sender = std::jthread([=](const std::stop_token& stop) {
         for (int sent = 0; sent < times && !stop.stop_requested(); ++sent) {
             std::this_thread::sleep_for(pause);
             send(descriptor, noDeviceId, to);
@@ -93,19 +93,21 @@ std::jthread repeat(int times, std::chrono::milliseconds pause, int descriptor, 
     });
 }
 
+using Reaction = std::function<void(int descriptor, bool probe, const sockaddr_in& from)>;
+
 /// Whatever answers on port 161 of all local addresses, in a thread of its own.
 class Peer {
   public:
-    using Reaction = std::function<void(int descriptor, bool probe, const sockaddr_in& from)>;
-
     explicit Peer(Reaction reaction) : reaction_(std::move(reaction)) {
         const sockaddr_in name = socketAddress({INADDR_ANY}, 161);
         const timeval wait{0, 20'000};
         ::setsockopt(socket_.descriptor(), SOL_SOCKET, SO_RCVTIMEO, &wait, sizeof(wait));
-        if (::bind(socket_.descriptor(), reinterpret_cast<const sockaddr*>(&name), sizeof(name)) != 0) {
-            qFatal("port 161 is not free");
-        }
+        QCOMPARE(::bind(socket_.descriptor(), reinterpret_cast<const sockaddr*>(&name), sizeof(name)), 0);
         thread_ = std::jthread([this](const std::stop_token& stop) { serve(stop); });
+    }
+    ~Peer() {
+        thread_ = {};
+        sender = {};
     }
 
   private:
@@ -117,7 +119,7 @@ class Peer {
             const ssize_t size = ::recvfrom(socket_.descriptor(), request.data(), request.size(), 0,
                                             reinterpret_cast<sockaddr*>(&from), &length);
             if (size > 0) {
-                reaction_(socket_.descriptor(), static_cast<std::size_t>(size) == probeSize, from);
+                reaction_(socket_.descriptor(), size == probeSize, from);
             }
         }
     }
@@ -131,18 +133,17 @@ void answer(int descriptor, bool probe, const sockaddr_in& from) {
     send(descriptor, probe ? noDeviceId : deviceId(u"KV210"_s).toLatin1(), from);
 }
 
-/// Answers the probe of one local address after the signals that are on their way have come.
-void answerLate(int descriptor, bool probe, const sockaddr_in& from) {
+void answerAfterASignal(int descriptor, bool probe, const sockaddr_in& from) {
     if (probe) {
-        std::this_thread::sleep_for(300ms);
+        std::this_thread::sleep_for(100ms);
+        ::pthread_kill(runner, SIGUSR1);
+        std::this_thread::sleep_for(100ms);
     }
     answer(descriptor, probe, from);
 }
 
-void setBridge(const char* state) {
-    if (std::system((std::string("ip link set lan0 ") + state).c_str()) != 0) {
-        qFatal("can't set the interface %s", state);
-    }
+void setBridge(const std::string& state) {
+    QCOMPARE(std::system(("ip link set lan0 " + state).c_str()), 0);
 }
 
 void answerAndTakeTheBridgeDown(int descriptor, bool probe, const sockaddr_in& from) {
@@ -150,13 +151,29 @@ void answerAndTakeTheBridgeDown(int descriptor, bool probe, const sockaddr_in& f
     setBridge("down");
 }
 
-/// As fast as a machine can send, some hundred thousand datagrams a second; ends by itself.
-void flood(int descriptor, bool probe, const sockaddr_in& from) {
-    static std::jthread sender;
+/// Without a pause some hundred thousand datagrams a second; ends by itself.
+Reaction flood(int times, std::chrono::milliseconds pause) {
+    return [=](int descriptor, bool probe, const sockaddr_in& from) {
+        if (probe) {
+            repeat(times, pause, descriptor, from);
+        } else {
+            send(descriptor, noDeviceId, from);
+        }
+    };
+}
+
+void leaveWhileDatagramsCome(int descriptor, bool /*probe*/, const sockaddr_in& from) {
+    std::this_thread::sleep_for(100ms);
+    leaving.request_stop();
+    repeat(20, 200ms, descriptor, from);
+}
+
+/// Ten responders, none of whom has an answer.
+void leaveAtTheFirstQuestion(int descriptor, bool probe, const sockaddr_in& from) {
     if (probe) {
-        sender = repeat(200'000, 0ms, descriptor, from);
+        repeat(5, 0ms, descriptor, from);
     } else {
-        send(descriptor, noDeviceId, from);
+        leaving.request_stop();
     }
 }
 
@@ -183,42 +200,14 @@ void answerWithBadChecksums(int descriptor, bool probe, const sockaddr_in& from)
     ::close(raw);
 }
 
-/// Descriptors that are in the way, and the limit as it was.
-class Descriptors {
-  public:
-    Descriptors() { ::getrlimit(RLIMIT_NOFILE, &limit_); }
-    Descriptors(const Descriptors&) = delete;
-    Descriptors& operator=(const Descriptors&) = delete;
-    ~Descriptors() {
-        ::setrlimit(RLIMIT_NOFILE, &limit_);
-        for (const int descriptor : taken_) {
-            ::close(descriptor);
-        }
-    }
-
-    void allow(rlim_t count) {
-        const rlimit limit{count, limit_.rlim_max};
-        QCOMPARE(::setrlimit(RLIMIT_NOFILE, &limit), 0);
-    }
-    void take(int count) {
-        for (int index = 0; index < count; ++index) {
-            taken_.push_back(::open("/dev/null", O_RDONLY));
-            QVERIFY(taken_.back() >= 0);
-        }
-    }
-
-  private:
-    rlimit limit_{};
-    std::vector<int> taken_;
-};
+void allowDescriptors(rlim_t count) {
+    rlimit limit{};
+    ::getrlimit(RLIMIT_NOFILE, &limit);
+    limit.rlim_cur = count;
+    QCOMPARE(::setrlimit(RLIMIT_NOFILE, &limit), 0);
+}
 
 using Step = std::function<void()>;
-
-const QString total = u"Total Printers avialable in the Network %1"_s;
-const QString returning = u"Returning to UI**"_s;
-const QString selectFailed = u"Select return -1 %1"_s;
-const QString nothingReceived = u"Cant able to receive anything %1"_s;
-const QString timedOut = nothingReceived.arg(u"Resource temporarily unavailable"_s);
 
 }  // namespace
 
@@ -227,163 +216,84 @@ class TestDiscoveryFaults : public QObject {
 
   private slots:
     void init() {
+        std::signal(SIGUSR1, [](int) {});
         faults = {};
-        descriptors_.emplace();
-    }
-    void cleanup() {
-        faults = {};
-        signals_ = {};
-        descriptors_.reset();
+        leaving = {};
+        allowDescriptors(FD_SETSIZE + 100);
         setBridge("up");
     }
 
     void runEnds_data() {
         QTest::addColumn<Step>("fault");
-        QTest::addColumn<Peer::Reaction>("reaction");
-        QTest::addColumn<QStringList>("records");  // Of what went wrong, and the last two.
+        QTest::addColumn<Reaction>("reaction");
+        QTest::addColumn<QString>("records");  // Of what went wrong, and the total.
         QTest::addColumn<int>("printers");
         QTest::addColumn<int>("seconds");  // At least; at most a second and a half more.
+        const auto sockets = [](int left) { return Step([=] { faults.socketsLeft = left; }); };
+        const auto sends = [](int left) { return Step([=] { faults.sendsLeft = left; }); };
+        const auto selects = [](const auto& select) { return Step([=] { faults.select = select; }); };
         const Step none = [] {};
-        const auto row = [&](const char* name, const Step& fault, const Peer::Reaction& reaction,
-                             const QStringList& failures, int responders, const QStringList& questions,
-                             int printers, int seconds) {
-            QTest::newRow(name) << fault << reaction
-                                << failures + QStringList{total.arg(responders)} + questions +
-                                       QStringList{returning}
-                                << printers << seconds;
-        };
-        const auto twice = [](const QString& record) { return QStringList{record, record}; };
+        const Step noDescriptors = [] { allowDescriptors(0); };
+        const Step highDescriptors = [] { faults.lowestDescriptor = FD_SETSIZE; };
+        const Step onlyWaits = selects([](int highest, fd_set* readable) {
+            timeval second{1, 0};
+            return highest > 0 ? refuse(EBADF) : __real_select(0, readable, nullptr, nullptr, &second);
+        });
+        const Step alwaysSignals = selects([](int, fd_set*) { return refuse(EINTR); });
+        const Step alwaysReady = selects([](int, fd_set*) { return 1; });
+        const Reaction silence = [](int, bool, const sockaddr_in&) {};
+        const QString nothing = u"Total 0|"_s;
+        const QString two = u"Total 2|"_s;
+        const QString badDescriptor = u"Cant able to receive anything Bad file descriptor|"_s;
+        const QString timedOut = u"Cant able to receive anything Resource temporarily unavailable|"_s;
+        const QString badSelect = u"Select return -1 %1|"_s.arg(EBADF);
+        const QString interrupted = u"Select return -1 %1|"_s.arg(EINTR);
 
-        row(
-            "no list of interfaces", [] { faults.interfaces = true; }, answer, {}, 0, {}, 0, 0);
-        row(
-            "no socket for the probes", [] { faults.socketsLeft = 0; }, answer, {}, 0, {}, 0, 2);
-        row(
-            "no socket for the questions", [] { faults.socketsLeft = 2; }, answer, {}, 2,
-            twice(nothingReceived.arg(u"Bad file descriptor"_s)), 0, 2);
-        row(
-            "sockets that fit no descriptor set",
-            [this] {
-                descriptors_->allow(FD_SETSIZE + 100);
-                descriptors_->take(FD_SETSIZE);
-            },
-            answer, {}, 0, {}, 0, 2);
-        row(
-            "probes are not sent", [] { faults.sendsLeft = 0; }, answer, {}, 0, {}, 0, 2);
-        row(
-            "questions are not sent", [] { faults.sendsLeft = 2; }, answer, {}, 2, twice(timedOut), 0, 4);
-        row(
-            "select fails on every socket",
-            [] {
-                faults.select = [](int highest, fd_set* readable) {
-                    timeval second{1, 0};
-                    return highest > 0 ? refuse(EBADF)
-                                       : __real_select(0, readable, nullptr, nullptr, &second);
-                };
-            },
-            answer, twice(selectFailed.arg(EBADF)), 0, {}, 0, 2);
-        row(
-            "select always fails", [] { faults.select = [](int, fd_set*) { return refuse(EINTR); }; }, answer,
-            QStringList(256, selectFailed.arg(EINTR)), 0, {}, 0, 0);
-        row(
-            "datagrams announced that are not there",
-            [] {
-                faults.select = [](int, fd_set*) { return 1; };
-                faults.sendsLeft = 0;
-            },
-            answer, QStringList(256, timedOut), 0, {}, 0, 0);
-        row(
-            "signals arrive",
-            [this] {
-                sendSignals({100ms, 100ms});
-            },
-            answerLate, twice(selectFailed.arg(EINTR)), 2, {}, 2, 2);
-        row("an interface goes down", none, answerAndTakeTheBridgeDown, {}, 1, {}, 1, 2);
-        row("a flood of datagrams", none, flood, {}, 256, {}, 0, 0);
-        row("answers with bad checksums", none, answerWithBadChecksums, {}, 2, twice(timedOut), 0, 4);
+        const auto row = [](const char* name, const Step& fault, const Reaction& reaction,
+                            const QString& records, int printers, int seconds) {
+            QTest::newRow(name) << fault << reaction << records << printers << seconds;
+        };
+        row("no socket for the probes", sockets(0), answer, nothing, 0, 2);
+        row("no socket for the questions", sockets(2), answer, two + badDescriptor.repeated(2), 0, 2);
+        row("sockets that fit no descriptor set", highDescriptors, answer, nothing, 0, 2);
+        row("probes are not sent", sends(0), answer, nothing, 0, 2);
+        row("questions are not sent", sends(2), answer, two + timedOut.repeated(2), 0, 4);
+        row("select fails on every socket", onlyWaits, answer, badSelect.repeated(2) + nothing, 0, 2);
+        row("select always fails", alwaysSignals, answer, interrupted.repeated(256) + nothing, 0, 0);
+        row("announced but not there", alwaysReady, silence, timedOut.repeated(256) + nothing, 0, 0);
+        row("signals arrive", none, answerAfterASignal, interrupted.repeated(2) + two, 2, 2);
+        row("an interface goes down", none, answerAndTakeTheBridgeDown, u"Total 1|"_s, 1, 2);
+        row("a flood of datagrams", none, flood(200'000, 0ms), u"Total 256|"_s, 0, 0);
+        row("a drip starts the quiet time anew", none, flood(300, 10ms), u"Total 256|"_s, 0, 2);
+        row("answers with bad checksums", none, answerWithBadChecksums, two + timedOut.repeated(2), 0, 4);
+        row("left while datagrams come", none, leaveWhileDatagramsCome, u"Total 1|"_s, 0, 0);
+        row("left at a question", none, leaveAtTheFirstQuestion, u"Total 10|"_s + timedOut, 0, 3);
+        // Last, as the sanitizers need descriptors for what they check the first time.
+        row("no descriptors, not even for the log", noDescriptors, answer, {}, 0, 0);
     }
     void runEnds() {
         QFETCH(Step, fault);
-        QFETCH(Peer::Reaction, reaction);
+        QFETCH(Reaction, reaction);
+        QFETCH(QString, records);
         QFETCH(int, seconds);
         const Peer peer(reaction);
         QElapsedTimer timer;
         fault();
         timer.start();
-        GetTovikQuazelPrinters();
+        GetTovikQuazelPrinters(leaving.get_token());
         const qint64 elapsed = timer.elapsed();
-        QTEST(takeLog(home_).filter(QRegularExpression(u"^(Select|Cant|Total|Returning)"_s)), "records");
+        allowDescriptors(FD_SETSIZE + 100);
+        const QRegularExpression told(u"^(Select|Cant|Total|Returning)"_s);
+        QCOMPARE(takeLog(home_).filter(told).join(u'|').remove(u"Printers avialable in the Network "_s),
+                 records.isEmpty() ? records : records + u"Returning to UI**"_s);
         QCOMPARE(g_PrinterList->first(), u"Enter IP Address Manually\n"_s);
         QTEST(static_cast<int>(g_PrinterList->count()) - 1, "printers");
         QVERIFY2(elapsed >= seconds * 1000 && elapsed < seconds * 1000 + 1500,
                  qPrintable(QString::number(elapsed)));
     }
 
-    /// Not even the log and the list of interfaces can be opened.
-    void runEndsWithoutDescriptors() {
-        descriptors_->allow(0);
-        GetTovikQuazelPrinters();
-        descriptors_.reset();
-        QCOMPARE(g_PrinterList->count(), 1);
-        QVERIFY(!QFile::exists(home_.log()));
-    }
-
-    /// Every datagram starts the quiet time anew, and a full table ends it.
-    void dripIsEndedByTheTable() {
-        std::jthread sender;
-        const Peer peer([&sender](int descriptor, bool, const sockaddr_in& from) {
-            sender = repeat(6, 900ms, descriptor, from);
-        });
-        ResponderTable responders;
-        responders.count = ResponderTable::capacity - 3;
-        QElapsedTimer timer;
-        timer.start();
-        collectResponders(responders, std::stop_token());
-        QCOMPARE(responders.count, ResponderTable::capacity);
-        QVERIFY2(timer.elapsed() >= 2700 && timer.elapsed() < 3400,
-                 qPrintable(QString::number(timer.elapsed())));
-    }
-
-    /// The peer answers one question after the other with silence, or goes on answering the probe.
-    void leavesInTime() {
-        for (const auto& [replies, pause, leavingAfter] :
-             {std::tuple{20, 200ms, 500}, std::tuple{5, 0ms, 3300}}) {
-            std::jthread sender;
-            const Peer peer([&](int descriptor, bool probe, const sockaddr_in& from) {
-                if (probe) {
-                    sender = repeat(replies, pause, descriptor, from);
-                }
-            });
-            std::stop_source leaving;
-            const std::jthread leaver([&, delay = std::chrono::milliseconds(leavingAfter)] {
-                std::this_thread::sleep_for(delay);
-                leaving.request_stop();
-            });
-            QElapsedTimer timer;
-            timer.start();
-            GetTovikQuazelPrinters(leaving.get_token());
-            QVERIFY2(timer.elapsed() < leavingAfter + 1500, qPrintable(QString::number(timer.elapsed())));
-            QCOMPARE(takeLog(home_).last(), returning);
-        }
-    }
-
   private:
-    /// Interrupts the thread that calls it, each time after such a pause.
-    void sendSignals(const std::vector<std::chrono::milliseconds>& pauses) {
-        struct sigaction action {};
-        action.sa_handler = [](int) {};
-        ::sigaction(SIGUSR1, &action, nullptr);
-        signals_ = std::jthread([pauses, target = ::pthread_self()] {
-            for (const auto& pause : pauses) {
-                std::this_thread::sleep_for(pause);
-                ::pthread_kill(target, SIGUSR1);
-            }
-        });
-    }
-
     TemporaryHome home_;
-    std::optional<Descriptors> descriptors_;
-    std::jthread signals_;
 };
 
 QUAZEL_TEST_MAIN(TestDiscoveryFaults, QCoreApplication)
