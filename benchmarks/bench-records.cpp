@@ -11,7 +11,9 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <string>
+#include <system_error>
 
 namespace {
 
@@ -25,13 +27,19 @@ std::string logPath() {
     return documents() + "/QzInstall.log";
 }
 
+/// The file may not be there yet.
+void empty(const std::string& path) {
+    std::error_code error;
+    std::filesystem::resize_file(path, 0, error);
+}
+
 void logRecord() {
     tDebugPrint("IP address is: %s\n", address);
 }
 
 /// What one record leaves in the file.
 std::string recordBytes() {
-    (void)::truncate(logPath().c_str(), 0);
+    empty(logPath());
     logRecord();
     QFile file(QString::fromStdString(logPath()));
     if (!file.open(QIODevice::ReadOnly)) {
@@ -47,7 +55,7 @@ void appendRecord(const char* path, const std::string& bytes) {
 }
 
 void product(benchmark::State& state) {
-    (void)::truncate(logPath().c_str(), 0);
+    empty(logPath());
     for ([[maybe_unused]] auto _ : state) {
         logRecord();
     }
@@ -56,7 +64,7 @@ void product(benchmark::State& state) {
 void bare(benchmark::State& state) {
     const std::string path = documents() + "/bare.log";
     const std::string bytes = recordBytes();
-    (void)::truncate(path.c_str(), 0);
+    empty(path);
     for ([[maybe_unused]] auto _ : state) {
         appendRecord(path.c_str(), bytes);
     }
