@@ -57,14 +57,16 @@ class LogFile {
 };
 
 /// Writes the record's start and the message into `room` as far as they fit. Returns the length of all of it.
-std::size_t formatRecord(std::span<char> room, const char* format, va_list arguments) {
+[[gnu::format(printf, 2, 0)]] std::size_t formatRecord(std::span<char> room, const char* format,
+                                                       va_list arguments) {
     const std::size_t start = recordStart.copy(room.data(), room.size());
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): every caller has started it.
     const int length = std::vsnprintf(room.data() + start, room.size() - start, format, arguments);
     return start + static_cast<std::size_t>(std::max(length, 0));
 }
 
 /// Any message of the page but the longest fits the room on the stack.
-void appendRecord(const LogFile& log, const char* format, va_list arguments) {
+[[gnu::format(printf, 2, 0)]] void appendRecord(const LogFile& log, const char* format, va_list arguments) {
     va_list again;
     va_copy(again, arguments);
     std::array<char, 1024> room;
