@@ -24,22 +24,16 @@ namespace {
 
 const QString manualEntry = u"Enter IP Address Manually"_s;
 
-/// A root folder with all of the real one and an empty /Library, which only this process sees.
+/// A root folder with all of the real one's folders and an empty /Library, which only this process sees.
 bool enterRootWithLibrary() {
-    if (::mount("tmpfs", "/mnt", "tmpfs", 0, nullptr) != 0) {
-        return false;
+    bool isReady = ::mount("tmpfs", "/mnt", "tmpfs", 0, nullptr) == 0;
+    for (const QString& name : QDir(u"/"_s).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        const QByteArray folder = '/' + QFile::encodeName(name);
+        const QByteArray copy = "/mnt" + folder;
+        isReady = isReady && QDir().mkdir(QFile::decodeName(copy)) &&
+                  ::mount(folder.data(), copy.data(), nullptr, MS_BIND | MS_REC, nullptr) == 0;
     }
-    const QDir::Filters all = QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot;
-    for (const QFileInfo& entry : QDir(u"/"_s).entryInfoList(all)) {
-        const QString copy = u"/mnt/"_s + entry.fileName();
-        if (entry.isSymLink()) {
-            QFile::link(entry.symLinkTarget(), copy);
-        } else if (entry.isDir()) {
-            QDir().mkdir(copy);
-            ::mount(qPrintable(entry.filePath()), qPrintable(copy), nullptr, MS_BIND | MS_REC, nullptr);
-        }
-    }
-    return ::chroot("/mnt") == 0 && ::chdir("/") == 0 && QDir().mkpath(u"/Library/Printers"_s);
+    return isReady && ::chroot("/mnt") == 0 && ::chdir("/") == 0 && QDir().mkpath(u"/Library/Printers"_s);
 }
 
 }  // namespace
@@ -65,151 +59,97 @@ class TestNetworkPrinterConfigPane : public QObject {
                  "Inside RemoveFile|Return from RemoveFile"_s);
         QVERIFY(!QFile::exists(home_.selectionFile()));
         QCOMPARE(systemLog_->take(), QStringList{u"(null)"_s});
-    }
-
-    void showsTheIdOfAMissingTitle() {
-        QCOMPARE(pane_->title(), u"PaneTitle"_s);
+        QCOMPARE(pane.title(), u"PaneTitle"_s);  // The id of a missing text.
         loadPageStrings();
-        QCOMPARE(pane_->title(), u"Printer Connection"_s);
+        QCOMPARE(pane.title(), u"Printer Connection"_s);
     }
 
-    void enters_data() {
-        QTest::addColumn<int>("direction");
-        QTest::newRow("forward") << 0;
-        QTest::newRow("back") << 1;
-        QTest::newRow("any other value is back") << -1;
-    }
     void enters() {
-        QFETCH(int, direction);
-        const bool isForward = direction == 0;
         NetworkPrinterConfigPane& pane = *pane_;
-        for (int visit = 0; visit < 2; ++visit) {
+        int visits = 0;
+        for (const int direction : {0, 0, 1, -1}) {  // Any value but 0 is back.
             writeFile(home_.selectionFile(), "KV210 1.2.3.4");
             pane.radiobtnPrinterType()->selectCellAtRow(1, 0);
             pane.radiobtnPrinterModel()->selectCellAtRow(0, 3);
+            pane.radiobtnPrinterModel()->setEnabled(true);
             pane.PrinterIPInfoBox()->show();
             pane.Progress()->show();
             pane.PrinterIP()->addItemWithObjectValue(manualEntry);
             pane.IPAddressText()->setStringValue(u"10.0.0.7"_s);
-            for (QWidget* const control : {static_cast<QWidget*>(pane.IPAddressText()),
-                                           static_cast<QWidget*>(pane.radiobtnPrinterModel())}) {
-                control->setEnabled(true);
-            }
+            pane.IPAddressText()->setEnabled(true);
             pane.IPAddressText()->setEditable(true);
 
             pane.didEnterPane(static_cast<InstallerDirection>(direction));
 
-            const QString removal = u"Inside RemoveFile|Return from RemoveFile|"_s;
-            QCOMPARE(takeLog(home_).join(u'|'),
-                     u"didEnterPane|"_s + (isForward ? removal : QString()) + u"Return from didEnterPane"_s);
+            const bool isForward = direction == 0;
+            const QString removal = isForward ? u"Inside RemoveFile|Return from RemoveFile|"_s : QString();
+            QCOMPARE(takeLog(home_).join(u'|'), u"didEnterPane|"_s + removal + u"Return from didEnterPane"_s);
             QCOMPARE(QFile::exists(home_.selectionFile()), !isForward);
             QCOMPARE(pane.radiobtnPrinterType()->selectedRow(), isForward ? 0 : 1);
-            QCOMPARE(pane.radiobtnPrinterModel()->selectedColumn(), isForward ? 0 : 3);
             QCOMPARE(pane.PrinterIPInfoBox()->isHidden(), isForward);
             QCOMPARE(pane.Progress()->isHidden(), isForward);
-            QCOMPARE(pane.IPAddressText()->isEditable(), !isForward);
-            QCOMPARE(pane.IPAddressText()->isEnabled(), !isForward);
-            QCOMPARE(pane.radiobtnPrinterModel()->isEnabled(), !isForward);
-            QCOMPARE(pane.IPAddressText()->stringValue(), u"10.0.0.7"_s);
-            QCOMPARE(pane.PrinterIP()->count(), visit + 1);
+            QCOMPARE(state(), isForward ? u"10.0.0.7 0 0 0 0 0 0"_s : u"10.0.0.7 1 1 1 3 0 0"_s);
+            QCOMPARE(pane.PrinterIP()->count(), ++visits);
         }
     }
 
-    void followsTheChosenItem_data() {
-        QTest::addColumn<QString>("item");
-        QTest::addColumn<QString>("state");  // text, editable, enabled, model enabled, column, cell, follows
-        QTest::addColumn<QString>("log");    // behind the first record
-        const auto add = [](const char* name, const QString& item, const char* state, const char* log) {
-            QTest::newRow(name) << item << QString::fromLatin1(state) << QString::fromLatin1(log);
-        };
-        add("none", QString(), "9.9.9.9 1 1 1 1 1 0", "didSelectIP modal is (null)");
-        add("empty", u""_s, "9.9.9.9 0 0 1 1 1 0", "didSelectIP modal is |IP String is equal to NULL");
-        add("manual entry", manualEntry, " 1 1 1 0 1 0", "didSelectIP modal is Enter IP Address Manually");
-        add("a printer", u"Tovik KV410 @10.0.0.7"_s, "10.0.0.7 0 0 0 2 2 1",
-            "didSelectIP modal is Tovik KV410 @10.0.0.7|ChangePrinterModelRadioButton Tovik KV410 @10.0.0.7|"
-            "$$$$$10.0.0.7");
-        add("other letters are a printer, of no model", u"enter @1"_s, "1 0 0 0 1 1 1",
-            "didSelectIP modal is enter @1|ChangePrinterModelRadioButton enter @1|$$$$$1");
-    }
     void followsTheChosenItem() {
-        QFETCH(QString, item);
-        NetworkPrinterConfigPane& pane = *pane_;
-        pane.IPAddressText()->setStringValue(u"9.9.9.9"_s);
-        pane.radiobtnPrinterModel()->selectCellAtRow(0, 1);
-        pane.setG_SelectedCell(1);
-        if (item.isNull()) {
-            pane.didSelectIP();
-        } else {
-            pane.PrinterIP()->addItemWithObjectValue(item);
-            pane.PrinterIP()->selectItemAtIndex(0);
+        const std::pair<QString, QString> rows[] = {
+            {QString(), u"9.9.9.9 1 1 1 1 1 0|(null)"_s},
+            {u""_s, u"9.9.9.9 0 0 1 1 1 0||IP String is equal to NULL"_s},
+            {manualEntry, u" 1 1 1 0 1 0|Enter IP Address Manually"_s},
+            {u"Tovik KV410 @10.0.0.7"_s,
+             u"10.0.0.7 0 0 0 2 2 1|Tovik KV410 @10.0.0.7|ChangePrinterModelRadioButton "
+             "Tovik KV410 @10.0.0.7|$$$$$10.0.0.7"_s},
+            {u"enter @1"_s,  // Other letters are a printer, of no model.
+             u"1 0 0 0 1 1 1|enter @1|ChangePrinterModelRadioButton enter @1|$$$$$1"_s}};
+        const QString begin = u"didSelectIP Event Called|didSelectIP modal is "_s;
+        for (const auto& [item, outcome] : rows) {
+            init();
+            pane_->IPAddressText()->setStringValue(u"9.9.9.9"_s);
+            pane_->radiobtnPrinterModel()->selectCellAtRow(0, 1);
+            pane_->setG_SelectedCell(1);
+            if (item.isNull()) {
+                pane_->didSelectIP();
+            } else {
+                pane_->PrinterIP()->addItemWithObjectValue(item);
+                pane_->PrinterIP()->selectItemAtIndex(0);
+            }
+            QString log = takeLog(home_).join(u'|');
+            QVERIFY(log.startsWith(begin));
+            QCOMPARE(state() + u'|' + log.remove(0, begin.size()), outcome);
         }
-        const TextField& field = *pane.IPAddressText();
-        const RadioMatrix& models = *pane.radiobtnPrinterModel();
-        QStringList state{field.stringValue()};
-        for (const qint64 value :
-             {qint64{field.isEditable()}, qint64{field.isEnabled()}, qint64{models.isEnabled()},
-              qint64{models.selectedColumn()}, pane.g_SelectedCell(), qint64{pane.g_ChangeTextBoxText()}}) {
-            state += QString::number(value);
-        }
-        QTEST(state.join(u' '), "state");
-        QFETCH(QString, log);
-        QCOMPARE(takeLog(home_).join(u'|'), u"didSelectIP Event Called|"_s + log);
     }
 
-    void looksUpModels_data() {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<int>("first");  // -1: left alone
-        QTest::addColumn<int>("last");
-        QTest::newRow("two models") << u"KV210 KV460"_s << 0 << 3;
-        QTest::newRow("the other way round") << u"KV460KV260"_s << 1 << 3;
-        QTest::newRow("one") << u"KV410N"_s << 2 << 2;
-        QTest::newRow("the maker") << u"Tovik kv410"_s << -1 << 0;
-        QTest::newRow("null") << QString() << -1 << 0;
-    }
     void looksUpModels() {
-        QFETCH(QString, text);
-        pane_->radiobtnPrinterModel()->selectCellAtRow(0, 3);
-        pane_->setG_SelectedCell(-1);
+        QStringList found;  // text: chosen cell and column, by the first match; column by the last match
         pane_->IPAddressText()->setStringValue(u"10.0.0.7"_s);
-        pane_->ChangePrinterModelRadioButton(text);
-        QTEST(static_cast<int>(pane_->g_SelectedCell()), "first");
-        QCOMPARE(pane_->radiobtnPrinterModel()->selectedColumn(),
-                 pane_->g_SelectedCell() < 0 ? 3 : static_cast<int>(pane_->g_SelectedCell()));
+        for (const QString& text :
+             {u"KV210 KV460"_s, u"KV460KV260"_s, u"KV410N"_s, u"Tovik kv410"_s, QString()}) {
+            pane_->radiobtnPrinterModel()->selectCellAtRow(0, 3);
+            pane_->setG_SelectedCell(-1);
+            pane_->ChangePrinterModelRadioButton(text);
+            const int column = pane_->radiobtnPrinterModel()->selectedColumn();
+            found += QString::asprintf("%s: %lld %d, %d", qPrintable(text), pane_->g_SelectedCell(), column,
+                                       pane_->PrinterModelToColumnNo(text));
+        }
+        QCOMPARE(found.join(u'|'),
+                 u"KV210 KV460: 0 0, 3|KV460KV260: 1 1, 3|KV410N: 2 2, 2|Tovik kv410: -1 3, 0|: -1 3, 0"_s);
         QCOMPARE(pane_->IPAddressText()->stringValue(), u"10.0.0.7"_s);  // No item was chosen.
-        QTEST(pane_->PrinterModelToColumnNo(text), "last");
     }
 
-    void looksUpAddresses_data() {
-        QTest::addColumn<QString>("address");
-        QTest::addColumn<QString>("word");  // null: not found
-        QTest::newRow("a printer's") << u"10.0.0.7"_s << u"Tovik"_s;
-        QTest::newRow("longer than any") << u"10.0.0.70"_s << QString();
-        QTest::newRow("the end of one") << u"0.0.0.5"_s << u"Tovik"_s;
-        QTest::newRow("empty") << u""_s << QString();
-        QTest::newRow("in the manual entry") << u"IP"_s << u"Enter"_s;
-    }
     void looksUpAddresses() {
-        QFETCH(QString, address);
-        QFETCH(QString, word);
         g_PrinterList.reset();
-        QVERIFY(!pane_->IsIPAvalaibleInList(address));
+        QVERIFY(!pane_->IsIPAvalaibleInList(u"10.0.0.7"_s));
         setFoundPrinters({u"Tovik KV260 @10.0.0.5"_s, u"Tovik KV410 @10.0.0.7"_s});
-        QCOMPARE(pane_->IsIPAvalaibleInList(address), !word.isNull());
-        QCOMPARE(pane_->g_selectedPrinterModel(), word);
-        QCoreApplication::processEvents();
-        QVERIFY(pane_->g_selectedPrinterModel().isNull());  // Nobody keeps the text any longer.
-    }
-
-    void logsALookUp() {
-        setFoundPrinters({u"Tovik KV260 @10.0.0.5"_s});
-        (void)pane_->IsIPAvalaibleInList(u"10.0.0.5"_s);
-        (void)pane_->PrinterModelToColumnNo(u"KV260"_s);
-        QCOMPARE(systemLog_->take().join(u'|'),
-                 u"~~IsIPAvalaibleInList 10.0.0.5|Found an Item: Enter IP Address Manually||"
-                 "Found an Item: Tovik KV260 @10.0.0.5||"
-                 "IsIPAvalaibleInList IP Is Enter IP Address Manually|"
-                 "IsIPAvalaibleInList IP Is Tovik KV260 @10.0.0.5|IsIPAvalaibleInList Return1|"
-                 "PrinterModelToColumnNo is KV260|PrinterModelToColumnNo Return 1"_s);
+        QStringList found;  // address: is it there, the first word of its line
+        for (const QString& address : {u"10.0.0.7"_s, u"10.0.0.70"_s, u"0.0.0.5"_s, u""_s, u"IP"_s}) {
+            const bool isThere = pane_->IsIPAvalaibleInList(address);
+            found += u"%1: %2 %3"_s.arg(address).arg(isThere).arg(pane_->g_selectedPrinterModel());
+            QCoreApplication::processEvents();
+            QVERIFY(pane_->g_selectedPrinterModel().isNull());  // Nobody keeps the text any longer.
+        }
+        QCOMPARE(found.join(u'|'), u"10.0.0.7: 1 Tovik|10.0.0.70: 0 |0.0.0.5: 1 Tovik|: 0 |IP: 1 Enter"_s);
     }
 
     void editingUnlocksTheModels() {
@@ -226,15 +166,11 @@ class TestNetworkPrinterConfigPane : public QObject {
         const QMetaObject& description = NetworkPrinterConfigPane::staticMetaObject;
         for (int index = description.propertyOffset(); index <= description.propertyCount(); ++index) {
             init();
-            if (index == description.propertyCount()) {
-                delete pane_->contentWidget();  // All of them at once.
-            } else {
-                const char* const name = description.property(index).name();
-                auto* const control = pane_->property(name).value<QObject*>();
-                QVERIFY2(control != nullptr, name);
-                delete control;
-                QVERIFY2(pane_->property(name).value<QObject*>() == nullptr, name);
-            }
+            const char* const name = description.property(index).name();  // Behind the last one: all at once.
+            const auto control = [&] { return pane_->property(name).value<QObject*>(); };
+            QVERIFY2(name == nullptr || control() != nullptr, name);
+            delete (name == nullptr ? pane_->contentWidget() : control());
+            QVERIFY2(name == nullptr || control() == nullptr, name);
             pane_->didEnterPane(InstallerDirectionForward);
             pane_->PrinterTypeClicked();
             pane_->didSelectIP();
@@ -251,29 +187,35 @@ class TestNetworkPrinterConfigPane : public QObject {
     void warnsOfAnotherVersion() {
         QVERIFY(enterRootWithLibrary());
         const QString driver = u"/Library/Printers/Tovik_Quazel_Printer_Driver"_s;
-        const QString version = driver + u"/Version"_s;
+        const QString warning =
+            u"Previous version found!|Previous version of Tovik KV Printer Mac Driver has been found in this "
+            "machine.\nThis installation will uninstall the previous version and install the new version.|Ok"_s;
         AlertReader alerts;
-        const auto isWarned = [&] {
+        const auto alert = [&] {
             pane_->CheckExistingVersion();
-            return alerts.take() == QStringList{
-                                        u"Previous version found!|Previous version of Tovik KV Printer "
-                                        "Mac Driver has been found in "
-                                        "this machine.\nThis installation will uninstall the previous "
-                                        "version and install the new "
-                                        "version.|Ok"_s};
+            return alerts.take().join(u'|');
         };
-        QVERIFY(!isWarned());
+        QCOMPARE(alert(), QString());
         QVERIFY(QDir().mkpath(driver));
-        QVERIFY(isWarned());
-        for (const char* const text : {"1.0.10", "1.0.10.1", "", "1.0.10.0\xff"}) {
-            writeFile(version, text);
-            QVERIFY2(isWarned(), text);
+        QCOMPARE(alert(), warning);
+        for (const char* const version : {"1.0.10", "1.0.10.1", "", "1.0.10.0\xff", " 1.0.10.0\n"}) {
+            writeFile(driver + u"/Version"_s, version);
+            QCOMPARE(alert(), qstrcmp(version, " 1.0.10.0\n") == 0 ? QString() : warning);
         }
-        writeFile(version, " 1.0.10.0\n");
-        QVERIFY(!isWarned());
     }
 
   private:
+    /// Text field: text, editable, enabled; models: enabled, column; column last chosen, whether text
+    /// follows.
+    [[nodiscard]] QString state() const {
+        const TextField& field = *pane_->IPAddressText();
+        const RadioMatrix& models = *pane_->radiobtnPrinterModel();
+        return QString::asprintf("%s %d %d %d %d %lld %d", qPrintable(field.stringValue()),
+                                 field.isEditable(), field.isEnabled(), models.isEnabled(),
+                                 models.selectedColumn(), pane_->g_SelectedCell(),
+                                 pane_->g_ChangeTextBoxText());
+    }
+
     TemporaryHome home_;
     std::unique_ptr<SystemLogCapture> systemLog_;
     std::unique_ptr<NetworkPrinterConfigPane> pane_;
