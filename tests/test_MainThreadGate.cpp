@@ -8,7 +8,6 @@
 #include <QThread>
 
 #include <atomic>
-#include <optional>
 #include <thread>
 
 using namespace std::chrono_literals;
@@ -21,57 +20,46 @@ class TestMainThreadGate : public QObject {
         MainThreadGate gate;
         std::string order;
         std::atomic<bool> done = false;
-        bool allRan = true;
         std::thread worker([&] {
             for (const char task : {'a', 'b', 'c'}) {
-                allRan &= gate.runAndWait([&order, task] {
+                const bool ran = gate.runAndWait([&order, task] {
                     order += task;
                     order += QThread::currentThread() == qApp->thread() ? '+' : '-';
                 });
-                order += ',';  // Not before the task has run.
+                order += ran ? ',' : '!';  // Not before the task has run.
             }
             done = true;
         });
         QTRY_VERIFY(done);
         worker.join();
         QCOMPARE(order, std::string("a+,b+,c+,"));
-        QVERIFY(allRan);
     }
 
-    void aClosedGateRunsNothing_data() {
-        QTest::addColumn<bool>("closedWhileWaiting");
-        QTest::newRow("closed before") << false;
-        QTest::newRow("closed while the task waits") << true;
-    }
     void aClosedGateRunsNothing() {
-        QFETCH(bool, closedWhileWaiting);
-        auto gate = std::make_unique<MainThreadGate>();
-        std::atomic<bool> ran = false;
-        std::atomic<bool> answered = false;
-        bool answer = true;
-        if (!closedWhileWaiting) {
-            gate->close();
+        for (const bool closedWhileWaiting : {false, true}) {
+            auto gate = std::make_unique<MainThreadGate>();
+            std::atomic<bool> ran = false;
+            std::atomic<int> answer = -1;
+            if (!closedWhileWaiting) {
+                gate->close();
+            }
+            std::thread worker([&] { answer = static_cast<int>(gate->runAndWait([&] { ran = true; })); });
+            if (closedWhileWaiting) {
+                std::this_thread::sleep_for(50ms);  // The main thread is busy: the task stays queued.
+                QCOMPARE(answer, -1);
+                gate->close();
+            }
+            for (int tenths = 0; tenths < 20 && answer < 0; ++tenths) {
+                std::this_thread::sleep_for(100ms);  // Without the event loop's help.
+            }
+            if (answer != 0) {
+                qFatal("the thread still waits, or was told that its task ran");
+            }
+            worker.join();
+            gate.reset();
+            QCoreApplication::processEvents();  // What was queued went with the gate.
+            QVERIFY(!ran);
         }
-        std::thread worker([&] {
-            answer = gate->runAndWait([&] { ran = true; });
-            answered = true;
-        });
-        if (closedWhileWaiting) {
-            std::this_thread::sleep_for(50ms);  // The main thread is busy: the task stays queued.
-            QVERIFY(!answered);
-            gate->close();
-        }
-        for (int tenths = 0; tenths < 20 && !answered; ++tenths) {
-            std::this_thread::sleep_for(100ms);  // Without the event loop's help.
-        }
-        if (!answered) {
-            qFatal("the thread still waits");
-        }
-        worker.join();
-        QVERIFY(!answer);
-        gate.reset();
-        QCoreApplication::processEvents();  // What was queued went with the gate.
-        QVERIFY(!ran);
     }
 };
 
