@@ -34,16 +34,12 @@ void writeFile(const QString& path, const QByteArray& content) {
 }
 
 QStringList takeLog(const TemporaryHome& home) {
-    const QString prefix = QStringLiteral(QUAZEL_BUILD_DATE "\t");
-    QStringList lines = QString::fromUtf8(contentOf(home.log())).split(QLatin1Char('\n'));
+    QString text = QLatin1Char('\n') + QString::fromUtf8(contentOf(home.log()));
+    text.replace(QStringLiteral("\n" QUAZEL_BUILD_DATE "\t"), QStringLiteral("\n"));
     QFile::remove(home.log());
+    QStringList lines = text.split(QLatin1Char('\n')).mid(1);
     if (lines.last().isEmpty()) {
         lines.removeLast();  // The last record's own line end.
-    }
-    for (QString& line : lines) {
-        if (line.startsWith(prefix)) {
-            line.remove(0, prefix.size());
-        }
     }
     return lines;
 }
