@@ -20,26 +20,25 @@
 
 using namespace Qt::StringLiterals;
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
-#endif
-
 namespace {
 
-constexpr int longestLeaving = 2500;  // ms
-const QString firstTask = u"\tGetPrinterIP\n"_s;
+constexpr int longestLeaving = 2500;              // ms
+const QString firstTask = u"\tGetPrinterIP\n"_s;  // Before the search, with a task waiting.
 const QString search = u"\tBefore GetTovikQuazelPrinters\n"_s;
-const QString firstProbe = u"\t**** 127.0.0.1\n"_s;
-const QString firstQuestion = u"\tIP address is: 10.0.0.9\n"_s;
-const QString lastTask = u"\tFound an Item: "_s;
+const QString firstProbe = u"\t**** 127.0.0.1\n"_s;              // While replies are collected.
+const QString firstQuestion = u"\tIP address is: 10.0.0.9\n"_s;  // While a printer is silent.
+const QString lastTask = u"\tFound an Item: "_s;                 // After the search, with a task waiting.
 
-qint64 allocatedBytes() {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
+qint64 allocatedBytes() {
     return static_cast<qint64>(__sanitizer_get_current_allocated_bytes());
-#else
-    return static_cast<qint64>(::mallinfo2().uordblks);
-#endif
 }
+#else
+qint64 allocatedBytes() {
+    return static_cast<qint64>(::mallinfo2().uordblks);
+}
+#endif
 
 qsizetype countIn(const QString& folder) {
     return QDir(folder).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size();
@@ -50,22 +49,18 @@ qsizetype threads() {
 }
 
 /// Waits for a record, and a moment longer, so that what follows it is under way.
-bool waitForRecord(const QString& log, const QString& record, const std::function<void()>& meanwhile) {
+bool waitForRecord(const QString& log, const QString& record, bool handlingEvents = false) {
     QElapsedTimer clock;
     for (clock.start(); clock.elapsed() < 10000; QTest::qSleep(5)) {
         if (contentOf(log).contains(record.toUtf8())) {
             QTest::qSleep(50);
             return true;
         }
-        meanwhile();
+        if (handlingEvents) {
+            QCoreApplication::processEvents();
+        }
     }
     return false;
-}
-
-void standStill() {}
-
-void handleEvents() {
-    QCoreApplication::processEvents();
 }
 
 }  // namespace
@@ -79,13 +74,9 @@ class TestLeaving : public QObject {
     void leaves_data() {
         QTest::addColumn<QString>("way");
         QTest::addColumn<QString>("record");  // the point of the discovery
-        for (const char* const way : {"page", "window", "program"}) {
-            for (const auto& [point, record] :
-                 {std::pair("before the search, with a task waiting", firstTask),
-                  std::pair("while replies are collected", firstProbe),
-                  std::pair("while a printer is silent", firstQuestion),
-                  std::pair("after the search, with a task waiting", lastTask)}) {
-                QTest::addRow("%s, %s", way, point) << QString::fromLatin1(way) << record;
+        for (const QString& way : {u"page"_s, u"window"_s, u"program"_s}) {
+            for (const QString& record : {firstTask, firstProbe, firstQuestion, lastTask}) {
+                QTest::newRow(qPrintable(way + u':' + record.simplified())) << way << record;
             }
         }
     }
@@ -145,10 +136,10 @@ class TestLeaving : public QObject {
         QCoreApplication::processEvents();
         const qsizetype threadsBefore = threads();
         QTest::mouseClick(page.radiobtnPrinterType()->cellAt(1, 0), Qt::LeftButton, {}, QPoint(5, 5));
-        QVERIFY(waitForRecord(home_.log(), firstTask, standStill));
+        QVERIFY(waitForRecord(home_.log(), firstTask));
         if (record != firstTask) {
-            QVERIFY(waitForRecord(home_.log(), search, handleEvents));
-            QVERIFY(waitForRecord(home_.log(), record, standStill));
+            QVERIFY(waitForRecord(home_.log(), search, true));
+            QVERIFY(waitForRecord(home_.log(), record));
         }
         QElapsedTimer clock;
         clock.start();
@@ -169,12 +160,12 @@ class TestLeaving : public QObject {
         const QString log = home.filePath(u"Documents/QzInstall.log"_s);
         const QString folder = home.filePath(u"plugins"_s);
         QVERIFY(QDir().mkdir(folder));
+        const QString person = QStringLiteral(QUAZEL_TEST_PLUGINS "/plugin_person.so");
         QVERIFY(QFile::link(QStringLiteral(QUAZEL_PAGE_PLUGIN), folder + u"/page.so"_s));
-        QVERIFY(
-            QFile::link(QStringLiteral(QUAZEL_TEST_PLUGINS "/plugin_person.so"), folder + u"/person.so"_s));
+        QVERIFY(QFile::link(person, folder + u"/person.so"_s));
         SpawnedProgram program(
             {u"env"_s, u"HOME="_s + home.path(), programPath(u"quazel-installer"_s), u"--plugins"_s, folder});
-        QVERIFY(waitForRecord(log, record, standStill));
+        QVERIFY(waitForRecord(log, record));
         QCOMPARE(program.terminate(longestLeaving), 0);
     }
 
