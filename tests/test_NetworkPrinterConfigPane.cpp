@@ -95,7 +95,6 @@ class TestNetworkPrinterConfigPane : public QObject {
 
     void followsTheChosenItem() {
         const std::pair<QString, QString> rows[] = {
-            {QString(), u"9.9.9.9 1 1 1 1 1 0|(null)"_s},
             {u""_s, u"9.9.9.9 0 0 1 1 1 0||IP String is equal to NULL"_s},
             {manualEntry, u" 1 1 1 0 1 0|Enter IP Address Manually"_s},
             {u"Tovik KV410 @10.0.0.7"_s,
@@ -104,17 +103,16 @@ class TestNetworkPrinterConfigPane : public QObject {
             {u"enter @1"_s,  // Other letters are a printer, of no model.
              u"1 0 0 0 1 1 1|enter @1|ChangePrinterModelRadioButton enter @1|$$$$$1"_s}};
         const QString begin = u"didSelectIP Event Called|didSelectIP modal is "_s;
+        pane_->didSelectIP();  // With nothing selected.
+        QCOMPARE(state(), u" 1 1 1 -1 0 0"_s);
+        QCOMPARE(takeLog(home_).join(u'|'), begin + u"(null)"_s);
         for (const auto& [item, outcome] : rows) {
             init();
             pane_->IPAddressText()->setStringValue(u"9.9.9.9"_s);
             pane_->radiobtnPrinterModel()->selectCellAtRow(0, 1);
             pane_->setG_SelectedCell(1);
-            if (item.isNull()) {
-                pane_->didSelectIP();
-            } else {
-                pane_->PrinterIP()->addItemWithObjectValue(item);
-                pane_->PrinterIP()->selectItemAtIndex(0);
-            }
+            pane_->PrinterIP()->addItemWithObjectValue(item);
+            pane_->PrinterIP()->selectItemAtIndex(0);
             QString log = takeLog(home_).join(u'|');
             QVERIFY(log.startsWith(begin));
             QCOMPARE(state() + u'|' + log.remove(0, begin.size()), outcome);

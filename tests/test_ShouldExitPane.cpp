@@ -128,12 +128,7 @@ class TestShouldExitPane : public QObject {
         const bool isAccepted = outcome.startsWith(u"KV"_s);
         AlertReader alerts;
         BeepCounter beeps;
-        if (!item.isNull()) {
-            pane.PrinterIP()->addItemWithObjectValue(item);
-            pane.PrinterIP()->selectItemAtIndex(0);
-        }
-        pane.IPAddressText()->setStringValue(address);
-        pane.radiobtnPrinterModel()->selectCellAtRow(0, column);
+        give(item, address, column);
         pane.setG_ChangeTextBoxText(true);
         (void)takeLog(home_);
 
@@ -157,34 +152,19 @@ class TestShouldExitPane : public QObject {
 
     void logsTheModelCheck() {
         const AlertReader alerts;
-        pane_->PrinterIP()->addItemWithObjectValue(manualEntry);
-        pane_->PrinterIP()->selectItemAtIndex(0);
-        pane_->IPAddressText()->setStringValue(u"10.0.0.5"_s);
-        pane_->radiobtnPrinterModel()->selectCellAtRow(0, 3);
+        setFoundPrinters({u"Tovik KV260 @10.0.0.5"_s});
+        give(manualEntry, u"10.0.0.5"_s, 3);
         (void)systemLog_->take();
         QVERIFY(!pane_->ValidateSelectedIPAndModel());
         const QString lookUp =
-            uR"(~~IsIPAvalaibleInList 10.0.0.5
-Found an Item: Enter IP Address Manually
-
-Found an Item: Tovik KV260 @10.0.0.5
-
-Found an Item: Tovik KV460 @10.0.0.9
-
-Found an Item: Tovik KV210 @10.0.0.4
-
-IsIPAvalaibleInList IP Is Enter IP Address Manually
-IsIPAvalaibleInList IP Is Tovik KV260 @10.0.0.5
-IsIPAvalaibleInList Return1
-)"_s;
+            u"~~IsIPAvalaibleInList 10.0.0.5|Found an Item: Enter IP Address Manually||"
+            "Found an Item: Tovik KV260 @10.0.0.5||IsIPAvalaibleInList IP Is Enter IP Address Manually|"
+            "IsIPAvalaibleInList IP Is Tovik KV260 @10.0.0.5|IsIPAvalaibleInList Return1|"_s;
         const QString check =
-            uR"(Getting IP Model for the IP 10.0.0.5
-%1ValidateSelectedIPAndModel is Tovik
-%1PrinterModelToColumnNo is Tovik
-PrinterModelToColumnNo Return 0
-Model  Value is 0
-ValidateSelectedIPAndModel Return 0 )"_s;
-        QCOMPARE(systemLog_->take().join(u'\n'), check.arg(lookUp));
+            u"Getting IP Model for the IP 10.0.0.5|%1ValidateSelectedIPAndModel is Tovik|"
+            "%1PrinterModelToColumnNo is Tovik|PrinterModelToColumnNo Return 0|Model  Value is 0|"
+            "ValidateSelectedIPAndModel Return 0 "_s;
+        QCOMPARE(systemLog_->take().join(u'|'), check.arg(lookUp));
         pane_->PrinterIP()->removeAllItems();
         QVERIFY(pane_->ValidateSelectedIPAndModel());
         QCOMPARE(systemLog_->take().join(u'|'),
@@ -196,13 +176,23 @@ ValidateSelectedIPAndModel Return 0 )"_s;
         const BeepCounter beeps;
         delete pane_->IPAddressText();
         QVERIFY(!pane_->shouldExitPane(InstallerDirectionForward));
-        pane_->PrinterIP()->addItemWithObjectValue(u"Tovik KV260 @10.0.0.5"_s);
-        pane_->PrinterIP()->selectItemAtIndex(0);
+        give(u"Tovik KV260 @10.0.0.5"_s, QString(), 1);
         QVERIFY(!pane_->shouldExitPane(InstallerDirectionForward));
         QCOMPARE(alerts.take(), QStringList({alertOf(chooseOne), alertOf(invalid)}));
     }
 
   private:
+    void give(const QString& item, const QString& address, int column) {
+        if (!item.isNull()) {
+            pane_->PrinterIP()->addItemWithObjectValue(item);
+            pane_->PrinterIP()->selectItemAtIndex(0);
+        }
+        if (pane_->IPAddressText() != nullptr) {
+            pane_->IPAddressText()->setStringValue(address);
+        }
+        pane_->radiobtnPrinterModel()->selectCellAtRow(0, column);
+    }
+
     TemporaryHome home_;
     PrivateCupsd prints_{{{u"Tovik-KV460-Ethernet-Printer-IP=10.0.0.9"_s, PrivateCupsd::ppd({"KV460.PPD"})},
                           {u"Tovik-KV410-Ethernet-Printer-IP=10.0.0.8"_s, PrivateCupsd::ppd({"KV410.PPD"})}}};
