@@ -129,10 +129,8 @@ class TestLeaving : public QObject {
         std::unique_ptr<InstallerWindow> window;
         if (inWindow) {
             window = std::make_unique<InstallerWindow>(std::vector<InstallerPane*>{pane.release()});
-            window->show();
-        } else {
-            page.contentWidget()->show();
         }
+        (inWindow ? window.get() : page.contentWidget())->show();
         QCoreApplication::processEvents();
         const qsizetype threadsBefore = threads();
         QTest::mouseClick(page.radiobtnPrinterType()->cellAt(1, 0), Qt::LeftButton, {}, QPoint(5, 5));

@@ -55,8 +55,7 @@ class TestNetworkPrinterConfigPane : public QObject {
         writeFile(home_.selectionFile(), "KV210 1.2.3.4");
         pane.awakeFromNib();
         QCOMPARE(takeLog(home_).join(u'|'),
-                 u"Tovik Quazel Installer Initializing....|"
-                 "Inside RemoveFile|Return from RemoveFile"_s);
+                 u"Tovik Quazel Installer Initializing....|Inside RemoveFile|Return from RemoveFile"_s);
         QVERIFY(!QFile::exists(home_.selectionFile()));
         QCOMPARE(systemLog_->take(), QStringList{u"(null)"_s});
         QCOMPARE(pane.title(), u"PaneTitle"_s);  // The id of a missing text.

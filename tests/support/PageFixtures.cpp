@@ -43,15 +43,11 @@ void AlertReader::closeAlert() {
         texts += button->text();
     }
     alerts_ += texts.join(QLatin1Char('|'));
-    switch (closed_++ % 3) {
-        case 0:
-            QTest::keyClick(alert, Qt::Key_Return);
-            break;
-        case 1:
-            QTest::keyClick(alert, Qt::Key_Escape);
-            break;
-        default:
-            QTest::mouseClick(alert->buttons().constFirst(), Qt::LeftButton);
+    const int way = closed_++ % 3;
+    if (way == 2) {
+        QTest::mouseClick(alert->buttons().constFirst(), Qt::LeftButton);
+    } else {
+        QTest::keyClick(alert, way == 0 ? Qt::Key_Return : Qt::Key_Escape);
     }
 }
 
