@@ -83,6 +83,7 @@ InstallerWindow::InstallerWindow(const std::vector<InstallerPane*>& pages, QWidg
 }
 
 InstallerWindow::~InstallerWindow() {
+    hide();  // A page may take a second to end its search; a signal may have come instead of a click.
     // Before the widgets they talk to.
     for (InstallerPane* const page : pages_) {
         delete page;

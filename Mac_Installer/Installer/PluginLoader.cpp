@@ -5,6 +5,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFileInfo>
 #include <QJsonObject>
 #include <QPluginLoader>
 
@@ -16,6 +17,10 @@ QString say(const char* text) {
 
 /// The page of one file; null with `problem` set when there is none.
 InstallerPane* loadPage(const QString& path, QObject* parent, QString& problem) {
+    if (!QFileInfo(path).isFile()) {
+        problem = say("is no file");  // A pipe would keep the loader waiting.
+        return nullptr;
+    }
     QPluginLoader loader(path);
     // Asked before anything of the file is run: a plug-in for another contract must not be.
     const QString contract = loader.metaData().value(QStringLiteral("IID")).toString();

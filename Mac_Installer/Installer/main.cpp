@@ -12,10 +12,12 @@
 #include <QCommandLineParser>
 #include <QDir>
 #include <QFileInfo>
+#include <QString>
 
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <vector>
 
 namespace {
 
@@ -35,7 +37,7 @@ void complain(const QString& text) {
 /// Help and version must not need a display, which a QApplication does; null when there is none.
 std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
     for (int index = 1; index < argc; ++index) {
-        for (const char* const option : {"-h", "--help", "-v", "--version"}) {
+        for (const char* const option : {"-h", "--help", "--help-all", "-v", "--version"}) {
             if (std::strcmp(argv[index], option) == 0) {
                 return std::make_unique<QCoreApplication>(argc, argv);
             }
@@ -49,7 +51,6 @@ int runInstaller(const QString& pluginFolder) {
     if (!problem.isNull()) {
         complain(problem);
     }
-    std::vector<InstallerPane*> pages{new IntroductionPane(problem, qApp)};
     const LoadedPages loaded = loadPages(pluginFolder, qApp);
     for (const QString& line : loaded.problems) {
         complain(line);
@@ -59,6 +60,7 @@ int runInstaller(const QString& pluginFolder) {
                      .arg(QDir::toNativeSeparators(QFileInfo(pluginFolder).absoluteFilePath())));
         return exitFailure;
     }
+    std::vector<InstallerPane*> pages{new IntroductionPane(problem, qApp)};
     pages.insert(pages.end(), loaded.pages.begin(), loaded.pages.end());
     pages.push_back(new SummaryPane(qApp));
 

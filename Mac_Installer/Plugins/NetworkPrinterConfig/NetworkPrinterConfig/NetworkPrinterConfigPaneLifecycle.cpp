@@ -170,7 +170,7 @@ void NetworkPrinterConfigPane::giveFocusTo(QWidget* control) {
     }
 }
 
-/// /// Gives a text an owner that lets go of it as soon as the program is back in an event loop, that of an
+/// Gives a text an owner that lets go of it as soon as the program is back in an event loop, that of an
 /// alert included: long enough for the look-up that made it, and no longer.
 std::shared_ptr<const QString> NetworkPrinterConfigPane::keepUntilEventEnds(const QString& text) {
     if (textsOfThisEvent_.empty()) {

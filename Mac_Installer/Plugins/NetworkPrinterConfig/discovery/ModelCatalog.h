@@ -28,7 +28,7 @@ inline constexpr std::array<CatalogRow, modelCount> modelCatalog{{
 /// `model` is NUL-terminated and not null. Any thread.
 [[nodiscard]] bool IsQuazel(const char* model);
 
-/// /// The model name of a model text that IsQuazel accepted: the first row whose number part occurs in it;
+/// The model name of a model text that IsQuazel accepted: the first row whose number part occurs in it;
 /// null when none does, which no accepted text leads to. Any thread.
 [[nodiscard]] const char* modelNameOfAcceptedText(const char* model);
 
