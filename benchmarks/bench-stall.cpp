@@ -12,7 +12,7 @@
 #include <QComboBox>
 #include <QElapsedTimer>
 #include <QPushButton>
-#include <QRadioButton>
+#include <QAbstractButton>
 #include <QTimer>
 
 #include <algorithm>

@@ -5,9 +5,9 @@
 #include "support/Fixtures.h"
 #include "support/TestMain.h"
 
+#include <QAbstractButton>
 #include <QAccessible>
 #include <QApplication>
-#include <QRadioButton>
 #include <QTest>
 
 using namespace Qt::StringLiterals;

@@ -16,7 +16,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Notes its calls, and lets the person go as it was told.
+/// Notes its calls, and lets the user go as it was told.
 struct Page : InstallerPane {
     Page(const QString& name, QStringList& calls) : name_(name), calls_(calls) {
         setContentWidget(new QLineEdit);
@@ -28,12 +28,14 @@ struct Page : InstallerPane {
     }
     [[nodiscard]] bool shouldExitPane(InstallerDirection direction) override {
         calls_ += name_ + u" left %1"_s.arg(direction);
+        QTest::qSleep(delay_);
         return letsGo_;
     }
 
     const QString name_;
     QStringList& calls_;
     bool letsGo_ = true;
+    int delay_ = 0;  // ms
 };
 
 }  // namespace
@@ -97,6 +99,24 @@ class TestInstallerWindow : public QObject {
         QCOMPARE(steps(), u"first, done | second, done | last, current step"_s);
         QTest::keyClick(window.focusWidget(), Qt::Key_Return);
         QVERIFY(!window.isVisible());
+    }
+
+    /// What counts is when the button was pressed, not when a busy page left time to handle it.
+    void countsPressesByTheirOwnTime() {
+        QStringList calls;
+        auto* const first = new Page(u"first"_s, calls);
+        first->delay_ = 2 * QApplication::doubleClickInterval();
+        InstallerWindow window(
+            {first, new Page(u"second"_s, calls), new Page(u"third"_s, calls), new Page(u"last"_s, calls)});
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        auto* const next = window.findChild<QPushButton*>(u"next"_s);
+        for (const quint64 time : {1000, 1100, 1500}) {
+            QKeyEvent press(QEvent::KeyPress, Qt::Key_Return, {}, u"\r"_s);
+            press.setTimestamp(time);
+            QApplication::sendEvent(next, &press);
+        }
+        QCOMPARE(calls.filter(u"left"_s).join(u'|'), u"first left 0|second left 0"_s);
     }
 
     void summaryTellsWhatIsHandedOn() {

@@ -8,10 +8,10 @@
 #include "support/SystemLogCapture.h"
 #include "support/TestMain.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
-#include <QRadioButton>
 #include <QTest>
 
 #include <malloc.h>

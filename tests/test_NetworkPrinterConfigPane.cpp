@@ -1,19 +1,20 @@
-// The page by itself: what it logs and does when it is made, entered and clicked, and its questions to the
-// found list. The decision to leave is in test_ShouldExitPane, a whole discovery in test_PageDiscovery.
+// The page by itself: what a user's acts don't reach (see test_InputPaths), and its look-ups in the found
+// list.
 
 #include "NetworkPrinterConfig/NetworkPrinterConfigPane.h"
-#include "NetworkPrinterConfig/PageStrings.h"
+#include "NetworkPrinterConfig/Translations.h"
 #include "discovery/PrinterDiscovery.h"
 #include "support/Fixtures.h"
 #include "support/PageFixtures.h"
 #include "support/SystemLogCapture.h"
 #include "support/TestMain.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QDir>
 #include <QMetaProperty>
-#include <QRadioButton>
 #include <QTest>
+#include <QTranslator>
 
 #include <sys/mount.h>
 #include <unistd.h>
@@ -21,8 +22,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-const QString manualEntry = u"Enter IP Address Manually"_s;
 
 /// A root folder with all of the real one's folders and an empty /Library, which only this process sees.
 bool enterRootWithLibrary() {
@@ -58,47 +57,36 @@ class TestNetworkPrinterConfigPane : public QObject {
                  u"Tovik Quazel Installer Initializing....|Inside RemoveFile|Return from RemoveFile"_s);
         QVERIFY(!QFile::exists(home_.selectionFile()));
         QCOMPARE(systemLog_->take(), QStringList{u"(null)"_s});
-        QCOMPARE(pane.title(), u"PaneTitle"_s);  // The id of a missing text.
-        loadPageStrings();
         QCOMPARE(pane.title(), u"Printer Connection"_s);
     }
 
-    void enters() {
-        NetworkPrinterConfigPane& pane = *pane_;
-        int visits = 0;
-        for (const int direction : {0, 0, 1, -1}) {  // Any value but 0 is back.
+    void titleIsThePlugInsOwn() {
+        struct OtherPlugIn : QTranslator {
+            QString translate(const char* /*context*/, const char* id, const char* /*comment*/,
+                              int /*count*/) const override {
+                return qstrcmp(id, "PaneTitle") == 0 ? u"Other"_s : QString();
+            }
+            bool isEmpty() const override { return false; }
+        } other;
+        QVERIFY(QCoreApplication::installTranslator(&other));
+        QCOMPARE(pane_->title(), u"Printer Connection"_s);
+        QCOMPARE(translatedText("Missing"), u"Missing"_s);
+    }
+
+    void comesBackUnchanged() {
+        for (const int direction : {1, -1}) {  // Any value but 0 is back.
             writeFile(home_.selectionFile(), "KV210 1.2.3.4");
-            pane.radiobtnPrinterType()->selectCellAtRow(1, 0);
-            pane.radiobtnPrinterModel()->selectCellAtRow(0, 3);
-            pane.radiobtnPrinterModel()->setEnabled(true);
-            pane.PrinterIPInfoBox()->show();
-            pane.Progress()->show();
-            pane.PrinterIP()->addItemWithObjectValue(manualEntry);
-            pane.IPAddressText()->setStringValue(u"10.0.0.7"_s);
-            pane.IPAddressText()->setEnabled(true);
-            pane.IPAddressText()->setEditable(true);
-
-            pane.didEnterPane(static_cast<InstallerDirection>(direction));
-
-            const bool isForward = direction == 0;
-            const QString removal = isForward ? u"Inside RemoveFile|Return from RemoveFile|"_s : QString();
-            QCOMPARE(takeLog(home_).join(u'|'), u"didEnterPane|"_s + removal + u"Return from didEnterPane"_s);
-            QCOMPARE(QFile::exists(home_.selectionFile()), !isForward);
-            QCOMPARE(pane.radiobtnPrinterType()->selectedRow(), isForward ? 0 : 1);
-            QCOMPARE(pane.PrinterIPInfoBox()->isHidden(), isForward);
-            QCOMPARE(pane.Progress()->isHidden(), isForward);
-            QCOMPARE(state(), isForward ? u"10.0.0.7 0 0 0 0 0 0"_s : u"10.0.0.7 1 1 1 3 0 0"_s);
-            QCOMPARE(pane.PrinterIP()->count(), ++visits);
+            pane_->radiobtnPrinterType()->selectCellAtRow(1, 0);
+            pane_->didEnterPane(static_cast<InstallerDirection>(direction));
+            QCOMPARE(takeLog(home_).join(u'|'), u"didEnterPane|Return from didEnterPane"_s);
+            QCOMPARE(contentOf(home_.selectionFile()), "KV210 1.2.3.4");
+            QCOMPARE(pane_->radiobtnPrinterType()->selectedRow(), 1);
         }
     }
 
-    void followsTheChosenItem() {
+    void followsOddItems() {
         const std::pair<QString, QString> rows[] = {
             {u""_s, u"9.9.9.9 0 0 1 1 1 0||IP String is equal to NULL"_s},
-            {manualEntry, u" 1 1 1 0 1 0|Enter IP Address Manually"_s},
-            {u"Tovik KV410 @10.0.0.7"_s,
-             u"10.0.0.7 0 0 0 2 2 1|Tovik KV410 @10.0.0.7|ChangePrinterModelRadioButton "
-             "Tovik KV410 @10.0.0.7|$$$$$10.0.0.7"_s},
             {u"enter @1"_s,  // Other letters are a printer, of no model.
              u"1 0 0 0 1 1 1|enter @1|ChangePrinterModelRadioButton enter @1|$$$$$1"_s}};
         const QString begin = u"didSelectIP Event Called|didSelectIP modal is "_s;
@@ -149,13 +137,9 @@ class TestNetworkPrinterConfigPane : public QObject {
         QCOMPARE(found.join(u'|'), u"10.0.0.7: 1 Tovik|10.0.0.70: 0 |0.0.0.5: 1 Tovik|: 0 |IP: 1 Enter"_s);
     }
 
-    void editingUnlocksTheModels() {
-        NetworkPrinterConfigPane& pane = *pane_;
-        pane.contentWidget()->show();
-        pane.radiobtnPrinterModel()->setEnabled(false);
-        QTest::keyClicks(pane.IPAddressText(), u"1"_s);
-        QVERIFY(pane.radiobtnPrinterModel()->isEnabled());
-        QTest::keyClick(pane.radiobtnPrinterModel()->cellAt(0, 2), Qt::Key_Space);
+    void logsTheChosenModel() {
+        pane_->contentWidget()->show();
+        QTest::keyClick(pane_->radiobtnPrinterModel()->cellAt(0, 2), Qt::Key_Space);
         QCOMPARE(systemLog_->take(), QStringList{u"Selected Model Item is 2"_s});
     }
 

@@ -1,5 +1,6 @@
 #include "Installer/InstallerWindow.h"
 
+#include "Installer/PressGuard.h"
 #include "Installer/StepList.h"
 
 #include <QFrame>
@@ -44,6 +45,7 @@ QScrollArea* makeScroller(QWidget* content, QWidget* parent) {
 
 InstallerWindow::InstallerWindow(const std::vector<InstallerPane*>& pages, QWidget* parent)
     : QDialog(parent, Qt::Window),
+      presses_(new PressGuard(this)),
       steps_(new StepList(this)),
       heading_(makeHeading(this)),
       stack_(new QStackedWidget(this)),
@@ -77,8 +79,8 @@ InstallerWindow::InstallerWindow(const std::vector<InstallerPane*>& pages, QWidg
     for (InstallerPane* const pane : pages) {
         addStep(pane);
     }
-    connect(back_, &QPushButton::clicked, this, &InstallerWindow::goBack);
-    connect(next_, &QPushButton::clicked, this, &InstallerWindow::goForward);
+    connectButton(back_, &InstallerWindow::goBack);
+    connectButton(next_, &InstallerWindow::goForward);
     enter(0, InstallerDirectionForward);
 }
 
@@ -111,6 +113,16 @@ void InstallerWindow::addStep(InstallerPane* page) {
     connect(page, &InstallerPane::previousEnabledChanged, this, &InstallerWindow::updateButtons);
 }
 
+void InstallerWindow::connectButton(QPushButton* button, void (InstallerWindow::*action)()) {
+    connect(button, &QPushButton::clicked, this, [this, button, action] {
+        // A page may have disabled the button since it was pressed, or still be deciding about an earlier
+        // press.
+        if (presses_->takePress() && button->isEnabled() && !leaving_) {
+            (this->*action)();
+        }
+    });
+}
+
 InstallerPane* InstallerWindow::currentPage() const {
     return pages_[static_cast<std::size_t>(current_)];
 }
@@ -124,9 +136,6 @@ void InstallerWindow::goForward() {
         close();
         return;
     }
-    if (leaving_) {
-        return;
-    }
     const QScopedValueRollback guard(leaving_, true);
     if (currentPage()->shouldExitPane(InstallerDirectionForward)) {
         enter(current_ + 1, InstallerDirectionForward);
@@ -134,9 +143,6 @@ void InstallerWindow::goForward() {
 }
 
 void InstallerWindow::goBack() {
-    if (current_ == 0 || leaving_) {
-        return;
-    }
     const QScopedValueRollback guard(leaving_, true);
     if (currentPage()->shouldExitPane(InstallerDirectionBackward)) {
         enter(current_ - 1, InstallerDirectionBackward);

@@ -16,6 +16,7 @@ class QKeyEvent;
 class QLabel;
 class QPushButton;
 class QStackedWidget;
+class PressGuard;
 class StepList;
 
 class InstallerWindow : public QDialog {
@@ -40,6 +41,7 @@ class InstallerWindow : public QDialog {
 
   private:
     void addStep(InstallerPane* page);
+    void connectButton(QPushButton* button, void (InstallerWindow::*action)());
     void goForward();
     void goBack();
     void enter(int step, InstallerDirection direction);
@@ -51,6 +53,7 @@ class InstallerWindow : public QDialog {
     std::vector<InstallerPane*> pages_;  // children
     int current_ = 0;
     bool leaving_ = false;  // a page is deciding; its alert may run an event loop of its own
+    PressGuard* presses_;
     StepList* steps_;
     QLabel* heading_;
     QStackedWidget* stack_;

@@ -1,6 +1,10 @@
 #include "InstallerPlugins/InstallerPane.h"
 
-InstallerPane::InstallerPane(QObject* parent) : QObject(parent) {}
+#include "InstallerPlugins/ImmediateButton.h"
+
+InstallerPane::InstallerPane(QObject* parent) : QObject(parent) {
+    makeButtonsImmediate();
+}
 
 InstallerPane::~InstallerPane() {
     delete contentWidget_;

@@ -8,6 +8,8 @@
 #include <QStringList>
 #include <QTimer>
 
+#include <functional>
+
 class ComboBox;
 
 /// Counts the beeps of the page and keeps them silent.
@@ -24,7 +26,7 @@ class BeepCounter {
     int count_ = 0;
 };
 
-/// Sits in front of the screen and closes each alert by Return, by Escape and by a click in turn.
+/// Closes each alert by Return, by Escape, by a click and by the window's own button in turn.
 class AlertReader : public QObject {
     Q_OBJECT
 
@@ -33,6 +35,8 @@ class AlertReader : public QObject {
 
     /// The alerts since the last call, each as "message text|informative text|buttons".
     [[nodiscard]] QStringList take();
+
+    std::function<void()> beforeClosing;  ///< Called while an alert stands; may be empty.
 
   private:
     void closeAlert();

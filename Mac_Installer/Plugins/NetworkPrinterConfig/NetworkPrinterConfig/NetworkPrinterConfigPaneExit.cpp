@@ -13,6 +13,8 @@
 #include "platform/StringFormat.h"
 #include "platform/SystemLog.h"
 
+#include <QGuiApplication>
+
 namespace {
 
 /// The catalog row of a model column, or null outside 0 to 3.
@@ -36,6 +38,13 @@ QString modelOf(qint64 column, const QString& item) {
     }
     tDebugPrint("Line No %d\n", 1058);
     return model;
+}
+
+/// Asks the print service, which may take seconds.
+void queryPrintService() {
+    QGuiApplication::setOverrideCursor(Qt::BusyCursor);
+    GetInstalledPrinterList();
+    QGuiApplication::restoreOverrideCursor();
 }
 
 /// The name of the queue that the later steps of the installation make for a network printer.
@@ -154,7 +163,7 @@ bool NetworkPrinterConfigPane::commitListChoice(const QString& item, const QStri
     tDebugPrint("###IP2Configure %s\n", UTF8String(line).c_str());
     g_ModelName = queueKey(model, address);
     tDebugPrint("####Line No %d\n", 1083);
-    GetInstalledPrinterList();
+    queryPrintService();
     tDebugPrint("###Line No %d\n", 1086);
     if (g_PrinterAlreadyInstalled != 0) {
         refuseInstalledPrinter();
@@ -176,7 +185,7 @@ bool NetworkPrinterConfigPane::commitTypedAddress(const QString& address, const 
     const QString line = row == nullptr ? QString() : QString::fromLatin1(row->modelNameAndBlank) + address;
     g_ModelName = queueKey(model, address);
     tDebugPrint("!!!Line No %d\n", 1121);
-    GetInstalledPrinterList();
+    queryPrintService();
     tDebugPrint("!!!!Line No %d\n", 1124);
     if (g_PrinterAlreadyInstalled != 0) {
         refuseInstalledPrinter();

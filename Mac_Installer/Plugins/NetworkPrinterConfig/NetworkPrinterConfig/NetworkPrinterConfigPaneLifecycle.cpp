@@ -3,6 +3,7 @@
 #include "NetworkPrinterConfig/Alert.h"
 #include "NetworkPrinterConfig/NetworkPrinterConfigPane.h"
 #include "NetworkPrinterConfig/OnlyIntegerValueFormatter.h"
+#include "NetworkPrinterConfig/Translations.h"
 #include "NetworkPrinterConfig/controls/Messages.h"
 #include "discovery/ModelCatalog.h"
 #include "handoff/DiagnosticLog.h"
@@ -11,9 +12,9 @@
 #include "platform/UserDefaults.h"
 #include "ui_NetworkPrinterConfigPane.h"
 
+#include <QAbstractButton>
 #include <QMetaObject>
 #include <QMetaProperty>
-#include <QRadioButton>
 
 namespace {
 
@@ -41,15 +42,17 @@ QStringList modelLabels() {
     return labels;
 }
 
-/// Tab follows the eye, from the top of the page to its end. The matrices make their buttons late, which
-/// would put them last.
+/// Top to bottom. The matrices create their buttons late, which would put them last.
 void setTabOrder(const Ui::NetworkPrinterConfigPane& form) {
-    std::vector<QWidget*> order(form.radiobtnPrinterType->buttons().begin(),
-                                form.radiobtnPrinterType->buttons().end());
-    order.insert(order.end(), {form.PrinterIP, form.RefreshButton, form.IPAddressText});
-    order.insert(order.end(), form.radiobtnPrinterModel->buttons().begin(),
-                 form.radiobtnPrinterModel->buttons().end());
-    for (std::size_t index = 1; index < order.size(); ++index) {
+    QList<QWidget*> order;
+    for (QAbstractButton* const cell : form.radiobtnPrinterType->buttons()) {
+        order += cell;
+    }
+    order += {form.PrinterIP, form.RefreshButton, form.IPAddressText};
+    for (QAbstractButton* const cell : form.radiobtnPrinterModel->buttons()) {
+        order += cell;
+    }
+    for (qsizetype index = 1; index < order.size(); ++index) {
         QWidget::setTabOrder(order[index - 1], order[index]);
     }
 }
@@ -83,6 +86,7 @@ NetworkPrinterConfigPane::~NetworkPrinterConfigPane() {
 }
 
 void NetworkPrinterConfigPane::makeContent() {
+    loadTranslations();
     auto* const content = new QWidget;
     Ui::NetworkPrinterConfigPane form;
     form.setupUi(content);
@@ -109,7 +113,7 @@ void NetworkPrinterConfigPane::connectOutlets() {
 }
 
 QString NetworkPrinterConfigPane::title() const {
-    return qtTrId("PaneTitle");  // A missing translation shows the id itself.
+    return translatedText("PaneTitle");
 }
 
 void NetworkPrinterConfigPane::awakeFromNib() {

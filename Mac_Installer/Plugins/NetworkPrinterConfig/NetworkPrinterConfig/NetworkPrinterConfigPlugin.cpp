@@ -1,9 +1,7 @@
-// The plug-in: makes the page, with the texts of its own resources, for whoever keeps to the installer's
-// contract.
+// Plug-in entry point: creates the page.
 
 #include "InstallerPlugins/InstallerPluginFactory.h"
 #include "NetworkPrinterConfig/NetworkPrinterConfigPane.h"
-#include "NetworkPrinterConfig/PageStrings.h"
 
 #include <QObject>
 
@@ -14,7 +12,6 @@ class NetworkPrinterConfigPlugin : public QObject, public InstallerPluginFactory
 
   public:
     [[nodiscard]] InstallerPane* createPane(QObject* parent) override {
-        loadPageStrings();
         auto* const pane = new NetworkPrinterConfigPane(parent);
         pane->awakeFromNib();
         return pane;

@@ -1,8 +1,12 @@
 #include "NetworkPrinterConfig/controls/ComboBox.h"
 
+#include "InstallerPlugins/ImmediateButton.h"
+
 #include <QSignalBlocker>
+#include <QWheelEvent>
 
 ComboBox::ComboBox(QWidget* parent) : QComboBox(parent) {
+    setFocusPolicy(Qt::StrongFocus);  // Not the default WheelFocus: the wheel would take the focus first.
     connect(this, &QComboBox::currentIndexChanged, this, &ComboBox::selectionDidChange);
 }
 
@@ -32,6 +36,16 @@ QString ComboBox::objectValueOfSelectedItem() const {
 }
 
 void ComboBox::showPopup() {
-    emit willPopUp();
-    QComboBox::showPopup();
+    if (isOperable(this)) {
+        emit willPopUp();
+        QComboBox::showPopup();
+    }
+}
+
+void ComboBox::wheelEvent(QWheelEvent* event) {
+    if (hasFocus()) {
+        QComboBox::wheelEvent(event);
+    } else {
+        event->ignore();
+    }
 }

@@ -1,4 +1,5 @@
-// A drop-down list of texts. Filling and emptying it is no selection; only a chosen item is.
+// A drop-down list of texts. Filling and emptying it is no selection; only a chosen item is. Without the
+// focus the closed list ignores the wheel, which then scrolls the page.
 
 #pragma once
 
@@ -26,9 +27,13 @@ class ComboBox : public QComboBox {
     /// The selected item's text, or null when nothing is selected.
     [[nodiscard]] QString objectValueOfSelectedItem() const;
 
+    /// Does nothing while the list is not operable: an assistive program may ask all the same.
     void showPopup() override;
 
   signals:
     void selectionDidChange();
     void willPopUp();
+
+  protected:
+    void wheelEvent(QWheelEvent* event) override;
 };

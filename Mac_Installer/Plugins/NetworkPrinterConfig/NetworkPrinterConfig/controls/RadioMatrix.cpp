@@ -1,100 +1,111 @@
 #include "NetworkPrinterConfig/controls/RadioMatrix.h"
 
+#include <QButtonGroup>
 #include <QGridLayout>
 #include <QLabel>
 #include <QRadioButton>
+#include <QScopedValueRollback>
 #include <QStyle>
+#include <QStyleOptionButton>
 
-#include <algorithm>
+namespace {
 
-RadioMatrix::RadioMatrix(QWidget* parent) : QWidget(parent), grid_(new QGridLayout(this)) {
+/// A radio button whose circle stands out from the window. Fusion outlines it in the window's colour made
+/// darker, which can hardly be seen in a dark palette.
+class Cell : public QRadioButton {
+  public:
+    using QRadioButton::QRadioButton;
+
+  protected:
+    void initStyleOption(QStyleOptionButton* option) const override {
+        QRadioButton::initStyleOption(option);
+        const QColor window = option->palette.color(QPalette::Window);
+        const QColor text = option->palette.color(QPalette::WindowText);
+        if (text.lightness() > window.lightness()) {
+            option->palette.setColor(QPalette::Window, text);
+        }
+    }
+};
+
+}  // namespace
+
+RadioMatrix::RadioMatrix(QWidget* parent)
+    : QWidget(parent), grid_(new QGridLayout(this)), group_(new QButtonGroup(this)) {
     grid_->setContentsMargins(0, 0, 0, 0);
     grid_->setVerticalSpacing(2);
+    connect(group_, &QButtonGroup::idToggled, this, [this](int /*index*/, bool isSelected) {
+        keepTabStopOnSelection();
+        if (isSelected && !isSelecting_) {
+            emit action();
+        }
+    });
+    connect(group_, &QButtonGroup::buttonPressed, this,
+            [this](const QAbstractButton* cell) { wasSelected_ = cell->isChecked(); });
+    connect(group_, &QButtonGroup::buttonClicked, this, [this] {
+        if (wasSelected_) {
+            emit action();
+        }
+    });
 }
 
 void RadioMatrix::setCells(const QStringList& labels) {
     labels_ = labels;
-    rebuild();
+    for (const QString& label : labels) {
+        auto* const cell = new Cell(label, this);
+        const int index = static_cast<int>(group_->buttons().size());
+        grid_->addWidget(cell, gridRow(index), index % columns_);
+        group_->addButton(cell, index);
+    }
 }
 
 void RadioMatrix::setDescriptions(const QStringList& descriptions) {
     descriptions_ = descriptions;
-    rebuild();
-}
-
-void RadioMatrix::setColumns(int columns) {
-    columns_ = std::max(columns, 1);
-    rebuild();
-}
-
-void RadioMatrix::rebuild() {
-    qDeleteAll(buttons_);
-    qDeleteAll(sentences_);
-    buttons_.clear();
-    sentences_.clear();
     const int indicator = style()->pixelMetric(QStyle::PM_ExclusiveIndicatorWidth, nullptr, this) +
                           style()->pixelMetric(QStyle::PM_RadioButtonLabelSpacing, nullptr, this);
-    for (int index = 0; index < labels_.size(); ++index) {
-        const int row = 3 * (index / columns_);  // Below each row of cells, one of sentences and a gap.
-        const int column = index % columns_;
-        auto* const button = new QRadioButton(labels_.at(index), this);
-        connect(button, &QRadioButton::clicked, this, &RadioMatrix::action);
-        connect(button, &QRadioButton::toggled, this, &RadioMatrix::keepTabStopOnSelection);
-        grid_->addWidget(button, row, column);
-        buttons_.push_back(button);
-        if (index < descriptions_.size()) {
-            auto* const sentence = new QLabel(descriptions_.at(index), this);
-            sentence->setWordWrap(true);
-            sentence->setIndent(indicator);
-            button->setAccessibleDescription(descriptions_.at(index));
-            grid_->addWidget(sentence, row + 1, column);
-            grid_->setRowMinimumHeight(row + 2,
-                                       index + columns_ < labels_.size() ? fontMetrics().height() / 2 : 0);
-            sentences_.push_back(sentence);
+    for (int index = 0; index < descriptions.size(); ++index) {
+        const int row = gridRow(index);
+        auto* const sentence = new QLabel(descriptions.at(index), this);
+        sentence->setWordWrap(true);
+        sentence->setIndent(indicator);
+        grid_->addWidget(sentence, row + 1, index % columns_);
+        if (row > 0) {
+            grid_->setRowMinimumHeight(row - 1, fontMetrics().height() / 2);
         }
+        group_->button(index)->setAccessibleDescription(descriptions.at(index));
     }
 }
 
 /// Tab reaches the selected cell alone. Qt sees to that only when a cell gets the focus, which none does
 /// while the matrix is disabled.
 void RadioMatrix::keepTabStopOnSelection() {
-    const bool isAnySelected = selectedIndex() >= 0;
-    for (QRadioButton* const button : buttons_) {
-        button->setFocusPolicy(button->isChecked() || !isAnySelected ? Qt::StrongFocus : Qt::ClickFocus);
+    const bool isAnySelected = group_->checkedId() >= 0;
+    for (QAbstractButton* const cell : group_->buttons()) {
+        cell->setFocusPolicy(cell->isChecked() || !isAnySelected ? Qt::StrongFocus : Qt::ClickFocus);
     }
 }
 
-int RadioMatrix::selectedIndex() const {
-    const auto selected =
-        std::find_if(buttons_.begin(), buttons_.end(), [](auto* button) { return button->isChecked(); });
-    return selected == buttons_.end() ? -1 : static_cast<int>(selected - buttons_.begin());
-}
-
 int RadioMatrix::selectedRow() const {
-    const int index = selectedIndex();
+    const int index = group_->checkedId();
     return index < 0 ? -1 : index / columns_;
 }
 
 int RadioMatrix::selectedColumn() const {
-    const int index = selectedIndex();
+    const int index = group_->checkedId();
     return index < 0 ? -1 : index % columns_;
 }
 
-QRadioButton* RadioMatrix::cellAt(int row, int column) const {
-    const int index = row * columns_ + column;
-    const bool exists =
-        row >= 0 && column >= 0 && column < columns_ && index < static_cast<int>(buttons_.size());
-    return exists ? buttons_[static_cast<std::size_t>(index)] : nullptr;
+QList<QAbstractButton*> RadioMatrix::buttons() const {
+    return group_->buttons();
 }
 
-void RadioMatrix::selectCellAtRow(int row, int column) {
-    if (QRadioButton* const cell = cellAt(row, column)) {
-        cell->setChecked(true);
-    }
+QAbstractButton* RadioMatrix::cellAt(int row, int column) const {
+    const bool exists = row >= 0 && column >= 0 && column < columns_;
+    return exists ? group_->button(row * columns_ + column) : nullptr;
 }
 
 void RadioMatrix::setState(int state, int row, int column) {
-    if (QRadioButton* const cell = cellAt(row, column)) {
+    const QScopedValueRollback guard(isSelecting_, true);
+    if (QAbstractButton* const cell = cellAt(row, column)) {
         cell->setChecked(state != 0);
     }
 }

@@ -1,0 +1,112 @@
+#include "InstallerPlugins/ImmediateButton.h"
+
+#include <QAbstractButton>
+#include <QAccessibleWidget>
+#include <QApplication>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QShortcutEvent>
+
+namespace {
+
+class MnemonicFilter : public QObject {
+  public:
+    using QObject::QObject;
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        auto* const button =
+            event->type() == QEvent::Shortcut ? qobject_cast<QAbstractButton*>(watched) : nullptr;
+        // An ambiguous mnemonic only moves the focus.
+        if (button == nullptr || static_cast<QShortcutEvent*>(event)->isAmbiguous()) {
+            return false;
+        }
+        if (isOperable(button)) {
+            button->setFocus(Qt::ShortcutFocusReason);
+            button->click();
+        }
+        return true;
+    }
+};
+
+/// What Qt offers for a button, with actions that don't wait.
+class ButtonInterface : public QAccessibleWidget {
+  public:
+    explicit ButtonInterface(QAbstractButton* button)
+        : QAccessibleWidget(button, qobject_cast<QRadioButton*>(button) != nullptr
+                                        ? QAccessible::RadioButton
+                                        : QAccessible::PushButton) {}
+
+    [[nodiscard]] QString text(QAccessible::Text kind) const override {
+        if (kind == QAccessible::Name && widget()->accessibleName().isEmpty()) {
+            return button()->text().remove(QLatin1Char('&'));
+        }
+        if (kind == QAccessible::Accelerator) {
+            return button()->shortcut().toString(QKeySequence::NativeText);
+        }
+        return QAccessibleWidget::text(kind);
+    }
+
+    [[nodiscard]] QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.checkable = button()->isCheckable();
+        state.checked = button()->isChecked();
+        state.pressed = button()->isDown();
+        const auto* const pushButton = qobject_cast<QPushButton*>(button());
+        state.defaultButton = pushButton != nullptr && pushButton->isDefault();
+        return state;
+    }
+
+    [[nodiscard]] QStringList actionNames() const override {
+        QStringList names = QAccessibleWidget::actionNames();
+        if (widget()->isEnabled()) {
+            names.prepend(button()->isCheckable() ? toggleAction() : pressAction());
+        }
+        return names;
+    }
+
+    void doAction(const QString& name) override {
+        if (!isOperable(widget())) {
+            return;
+        }
+        if (name == toggleAction()) {
+            button()->toggle();
+        } else if (name == pressAction()) {
+            button()->click();
+        } else {
+            QAccessibleWidget::doAction(name);
+        }
+    }
+
+    [[nodiscard]] QStringList keyBindingsForAction(const QString& name) const override {
+        const QKeySequence shortcut = button()->shortcut();
+        const bool hasShortcut = (name == toggleAction() || name == pressAction()) && !shortcut.isEmpty();
+        return hasShortcut ? QStringList{shortcut.toString()} : QStringList();
+    }
+
+  private:
+    [[nodiscard]] QAbstractButton* button() const { return static_cast<QAbstractButton*>(object()); }
+};
+
+QAccessibleInterface* makeInterface(const QString& className, QObject* object) {
+    const bool isButton =
+        className == QStringLiteral("QPushButton") || className == QStringLiteral("QRadioButton");
+    return isButton ? new ButtonInterface(static_cast<QAbstractButton*>(object)) : nullptr;
+}
+
+}  // namespace
+
+bool isOperable(const QWidget* widget) {
+    const QWidget* const modal = QApplication::activeModalWidget();
+    return widget->isEnabled() && widget->isVisible() &&
+           (modal == nullptr || modal == widget || modal->isAncestorOf(widget));
+}
+
+void makeButtonsImmediate() {
+    // Not by button: an active accessibility bus asks for an interface while the button is being constructed.
+    static const bool isDone = [] {
+        QCoreApplication::instance()->installEventFilter(new MnemonicFilter(QCoreApplication::instance()));
+        QAccessible::installFactory(makeInterface);
+        return true;
+    }();
+    Q_UNUSED(isDone)
+}
