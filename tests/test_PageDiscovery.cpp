@@ -1,4 +1,4 @@
-// A whole discovery as the person meets it: the network row is clicked, printers are found, one is picked.
+// A whole discovery as the user meets it, over real sockets, and one that can't be started.
 
 #include "NetworkPrinterConfig/NetworkPrinterConfigPane.h"
 #include "support/Fixtures.h"
@@ -6,10 +6,12 @@
 #include "support/SystemLogCapture.h"
 #include "support/TestMain.h"
 
+#include <QAbstractButton>
 #include <QApplication>
-#include <QRadioButton>
 #include <QRegularExpression>
 #include <QTest>
+
+#include <pthread.h>
 
 using namespace Qt::StringLiterals;
 
@@ -17,7 +19,7 @@ class TestPageDiscovery : public QObject {
     Q_OBJECT
 
   private slots:
-    void findsPrintersAndLetsOneBePicked() {
+    void findsPrinters() {
         const VirtualPrinters printers({u"10.0.0.5 answers "_s + deviceId(u"TVK KV260"_s),
                                         u"10.0.0.6 answers "_s + deviceId(u"another maker's"_s),
                                         u"10.0.0.7 twice "_s + deviceId(u"KV410N"_s)});
@@ -45,27 +47,27 @@ class TestPageDiscovery : public QObject {
             "Found an Item: Tovik KV260 @10.0.0.5||Found an Item: Tovik KV410 @10.0.0.7||"
             "didSelectIP Event Called|didSelectIP modal is Enter IP Address Manually"_s);
         QCOMPARE(systemLog.take(), QStringList({u"PrinterTypeClicked 1"_s, u"Array Count is 4"_s}));
+    }
 
-        QTest::keyClick(pane_.PrinterIP(), Qt::Key_Down);
-        QTest::keyClick(pane_.PrinterIP(), Qt::Key_Down);
-        QCOMPARE(state(), u"10.0.0.7 box refresh list type next previous"_s);
-        QCOMPARE(pane_.radiobtnPrinterModel()->selectedColumn(), 2);
+    void endsAtOnceWithoutAThread() {
+        SystemLogCapture systemLog;
+        pthread_attr_t attributes;
+        std::size_t stackSize = 0;
+        ::pthread_getattr_default_np(&attributes);
+        ::pthread_attr_getstacksize(&attributes, &stackSize);
+        ::pthread_attr_setstacksize(&attributes, std::size_t(1) << 46);  // More than there are addresses.
+        ::pthread_setattr_default_np(&attributes);
+        QTest::mouseClick(pane_.RefreshButton(), Qt::LeftButton);
+        ::pthread_attr_setstacksize(&attributes, stackSize);
+        ::pthread_setattr_default_np(&attributes);
+        QCOMPARE(state(), chooseManually);
+        QCOMPARE(itemsOf(*pane_.PrinterIP()).join(u'|'), u"Enter IP Address Manually"_s);
+        QVERIFY(!pane_.IsIPAvalaibleInList(u"10.0.0.5"_s));
+        QCOMPARE(systemLog.take().filter(u"can't be started"_s).size(), 1);
 
         QTest::mouseClick(pane_.RefreshButton(), Qt::LeftButton);
-        QCOMPARE(state(), u" box"_s);
         QTRY_COMPARE(state(), chooseManually);
-        QCOMPARE(pane_.PrinterIP()->currentIndex(), 0);
-        QCOMPARE(pane_.radiobtnPrinterModel()->selectedColumn(), 0);
-        QCOMPARE(takeLog(home_).filter(u"Clicked"_s), QStringList{u"RefreshButtonClicked"_s});
-
-        QTest::keyClick(pane_.PrinterIP(), Qt::Key_Down);
-        writeFile(home_.selectionFile(), "KV260 10.0.0.5");
-        clickType(0);
-        QVERIFY(!QFile::exists(home_.selectionFile()));
-        QCOMPARE(state(), u"10.0.0.5 refresh list type next previous"_s);
-        QCOMPARE(pane_.PrinterIP()->count(), 3);
-        QCOMPARE(takeLog(home_).join(u'|').section(u"$10.0.0.5|"_s, 1),
-                 u"PrinterTypeClicked 0|Inside RemoveFile|Return from RemoveFile"_s);
+        QVERIFY(takeLog(home_).contains(u"GetPrinterIPThread"_s));
     }
 
   private:

@@ -150,6 +150,7 @@ class NetworkPrinterConfigPane : public InstallerPane {
 
     // Selection
     void startDiscovery();
+    void finishWithoutSearch();
     [[nodiscard]] bool changeControls(const std::function<void()>& changes);
     void showSearching();
     void fillList(const QStringList& lines);

@@ -11,6 +11,7 @@
 #include "platform/SystemLog.h"
 
 #include <memory>
+#include <system_error>
 
 namespace {
 
@@ -74,16 +75,28 @@ void NetworkPrinterConfigPane::RefreshButtonClicked() {
 }
 
 void NetworkPrinterConfigPane::startDiscovery() {
-    // The disabled controls see to it that there is one at a time. Should a caller get round them, a second
-    // one would wait here for the first, which may be waiting for this thread.
+    // The disabled controls keep a second search from starting. Joining a running one here would deadlock.
     if (discovering_) {
         return;
     }
     discovering_ = true;
     if (discoveryThread_.joinable()) {
-        discoveryThread_.join();  // The last one; it has nothing left to do but to end.
+        discoveryThread_.join();  // The previous search, which is over.
     }
-    discoveryThread_ = std::thread(&NetworkPrinterConfigPane::GetPrinterIPThread, this);
+    try {
+        discoveryThread_ = std::thread(&NetworkPrinterConfigPane::GetPrinterIPThread, this);
+    } catch (const std::system_error& error) {
+        systemLog(u"The search for printers can't be started: %@", {QString::fromLocal8Bit(error.what())});
+        finishWithoutSearch();
+    }
+}
+
+/// Leaves the page as after a search that found nothing; the user can still type an address.
+void NetworkPrinterConfigPane::finishWithoutSearch() {
+    resetPrinterList();
+    showSearching();
+    fillList(listLines([](const QString& /*entry*/) {}));
+    allowChoosing();
 }
 
 /// Runs a group of control changes on the main thread, shown together, and waits for it. False when the page

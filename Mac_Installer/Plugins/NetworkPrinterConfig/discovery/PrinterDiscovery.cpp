@@ -85,6 +85,10 @@ void addPrinterOfReply(std::span<const char> reply, in_addr responder) {
     tDebugPrint("Printer modal is %s\n", info.szModel);
 }
 
+void resetPrinterList() {
+    g_PrinterList = std::make_shared<QStringList>(QStringLiteral("Enter IP Address Manually\n"));
+}
+
 void GetTovikQuazelPrinters() {
     GetTovikQuazelPrinters(std::stop_token());
 }
@@ -92,8 +96,7 @@ void GetTovikQuazelPrinters() {
 void GetTovikQuazelPrinters(const std::stop_token& leaving) {
     tDebugPrint("GetTovikQuazelPrinters\n");
     errno = 0;
-    g_PrinterList = std::make_shared<QStringList>();
-    g_PrinterList->append(QStringLiteral("Enter IP Address Manually\n"));
+    resetPrinterList();
 
     ResponderTable responders;
     collectResponders(responders, leaving);

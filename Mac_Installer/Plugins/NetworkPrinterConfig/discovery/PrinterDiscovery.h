@@ -19,6 +19,9 @@
 /// nobody reads it while one is in progress.
 extern std::shared_ptr<QStringList> g_PrinterList;
 
+/// Makes g_PrinterList the list of a run that found no printer. Not during a run.
+void resetPrinterList();
+
 /// One run. Blocks; nothing is reported but the list and the diagnostic log. Any thread, one run at a time.
 void GetTovikQuazelPrinters();
 
