@@ -159,7 +159,7 @@ class Desk {
             QWheelEvent event(middle, list->mapToGlobal(middle), {}, {0, -120}, {}, {}, Qt::NoScrollPhase,
                               false);
             QSpontaneKeyEvent::setSpontaneous(&event);  // Only those may take the focus.
-            QApplication::sendEvent(list, &event);
+            qApp->notify(list, &event);
         }
     }
 

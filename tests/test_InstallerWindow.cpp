@@ -28,14 +28,14 @@ struct Page : InstallerPane {
     }
     [[nodiscard]] bool shouldExitPane(InstallerDirection direction) override {
         calls_ += name_ + u" left %1"_s.arg(direction);
-        QTest::qSleep(delay_);
+        whileDeciding_();
         return letsGo_;
     }
 
     const QString name_;
     QStringList& calls_;
     bool letsGo_ = true;
-    int delay_ = 0;  // ms
+    std::function<void()> whileDeciding_ = [] {};
 };
 
 }  // namespace
@@ -77,12 +77,17 @@ class TestInstallerWindow : public QObject {
         QTest::keyClick(window.focusWidget(), Qt::Key_Return);
         first->setNextEnabled(false);  // Not the page that is shown.
         second->setNextEnabled(true);
+        next->animateClick();  // Clicks after 100 ms, enabled or not.
+        second->setNextEnabled(false);
+        QTest::qWait(150);
+        second->setNextEnabled(true);
         second->setPreviousEnabled(true);
         QVERIFY(next->isEnabled() && back->isEnabled());
         first->setNextEnabled(true);
         QCOMPARE(take(), QString());
 
         second->letsGo_ = false;
+        second->whileDeciding_ = [&] { next->click(); };  // From an event loop of the page's own.
         QTest::mouseClick(next, Qt::LeftButton);
         QTest::mouseClick(back, Qt::LeftButton);
         QCOMPARE(take(), u"second left 0, second left 1"_s);
@@ -105,18 +110,21 @@ class TestInstallerWindow : public QObject {
     void countsPressesByTheirOwnTime() {
         QStringList calls;
         auto* const first = new Page(u"first"_s, calls);
-        first->delay_ = 2 * QApplication::doubleClickInterval();
+        first->whileDeciding_ = [] { QTest::qSleep(2 * QApplication::doubleClickInterval()); };
         InstallerWindow window(
             {first, new Page(u"second"_s, calls), new Page(u"third"_s, calls), new Page(u"last"_s, calls)});
         window.show();
         QVERIFY(QTest::qWaitForWindowActive(&window));
         auto* const next = window.findChild<QPushButton*>(u"next"_s);
-        for (const quint64 time : {1000, 1100, 1500}) {
+        const auto leftAfterPressAt = [&](quint64 time) {
             QKeyEvent press(QEvent::KeyPress, Qt::Key_Return, {}, u"\r"_s);
             press.setTimestamp(time);
             QApplication::sendEvent(next, &press);
-        }
-        QCOMPARE(calls.filter(u"left"_s).join(u'|'), u"first left 0|second left 0"_s);
+            return calls.filter(u"left"_s).join(u'|');
+        };
+        QCOMPARE(leftAfterPressAt(1000), u"first left 0"_s);
+        QCOMPARE(leftAfterPressAt(1100), u"first left 0"_s);
+        QCOMPARE(leftAfterPressAt(1500), u"first left 0|second left 0"_s);
     }
 
     void summaryTellsWhatIsHandedOn() {
