@@ -177,13 +177,8 @@ void leaveAtTheFirstQuestion(int descriptor, bool probe, const sockaddr_in& from
     }
 }
 
-/// Answers the question with one datagram after the other whose checksum is wrong; each wakes the receiver
-/// and gives it nothing.
-void answerWithBadChecksums(int descriptor, bool probe, const sockaddr_in& from) {
-    if (probe) {
-        send(descriptor, noDeviceId, from);
-        return;
-    }
+/// Sends one datagram after the other whose checksum is wrong; each wakes the receiver and gives it nothing.
+void sendBadChecksums(int times, std::chrono::milliseconds pause, const sockaddr_in& from) {
     const int raw = ::socket(AF_INET, SOCK_RAW, IPPROTO_UDP);
     struct {
         udphdr header{};
@@ -193,11 +188,27 @@ void answerWithBadChecksums(int descriptor, bool probe, const sockaddr_in& from)
     datagram.header.uh_sport = htons(161);
     datagram.header.uh_ulen = htons(sizeof(datagram));
     datagram.header.uh_sum = htons(0x1234);
-    for (int sent = 0; sent < 5; ++sent) {
+    for (int sent = 0; sent < times; ++sent) {
         send(raw, QByteArray(reinterpret_cast<const char*>(&datagram), sizeof(datagram)), from);
-        std::this_thread::sleep_for(400ms);
+        std::this_thread::sleep_for(pause);
     }
     ::close(raw);
+}
+
+void answerWithBadChecksums(int descriptor, bool probe, const sockaddr_in& from) {
+    if (probe) {
+        send(descriptor, noDeviceId, from);
+    } else {
+        sendBadChecksums(5, 400ms, from);
+    }
+}
+
+/// As many as would fill the count of failed receives, were they counted.
+void answerAfterBadChecksums(int descriptor, bool probe, const sockaddr_in& from) {
+    if (probe) {
+        sendBadChecksums(400, 1ms, from);
+    }
+    answer(descriptor, probe, from);
 }
 
 void allowDescriptors(rlim_t count) {
@@ -266,6 +277,7 @@ class TestDiscoveryFaults : public QObject {
         row("a flood of datagrams", none, flood(200'000, 0ms), u"Total 256|"_s, 0, 0);
         row("a drip starts the quiet time anew", none, flood(300, 10ms), u"Total 256|"_s, 0, 2);
         row("answers with bad checksums", none, answerWithBadChecksums, two + timedOut.repeated(2), 0, 4);
+        row("an answer after bad checksums", none, answerAfterBadChecksums, two, 2, 2);
         row("left while datagrams come", none, leaveWhileDatagramsCome, u"Total 1|"_s, 0, 0);
         row("left at a question", none, leaveAtTheFirstQuestion, u"Total 10|"_s + timedOut, 0, 3);
         // Last, as the sanitizers need descriptors for what they check the first time.

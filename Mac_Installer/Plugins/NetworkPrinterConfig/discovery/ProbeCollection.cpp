@@ -5,7 +5,6 @@
 #include "discovery/UdpSocket.h"
 #include "handoff/DiagnosticLog.h"
 
-#include <fcntl.h>
 #include <ifaddrs.h>
 #include <net/if.h>
 #include <sys/select.h>
@@ -30,15 +29,6 @@ const sockaddr_in* usableAddress(const ifaddrs& entry) {
         return nullptr;
     }
     return reinterpret_cast<const sockaddr_in*>(entry.ifa_addr);
-}
-
-/// A datagram can be announced and then be gone (a bad checksum is found only on reading it): such a read
-/// must fail, not block.
-void makeNonBlocking(int descriptor) {
-    const int flags = ::fcntl(descriptor, F_GETFL);
-    if (flags >= 0) {
-        ::fcntl(descriptor, F_SETFL, flags | O_NONBLOCK);
-    }
 }
 
 /// None of the results is looked at: a probe that was not sent brings no reply, and the quiet time passes.
@@ -71,7 +61,9 @@ void receiveReply(int descriptor, ResponderTable& responders) {
     std::array<char, maximumReplySize> reply;
     sockaddr_in source{};
     socklen_t sourceLength = sizeof(source);
-    const ssize_t received = ::recvfrom(descriptor, reply.data(), reply.size(), 0,
+    // A datagram can be announced and then be gone: the receive must fail, not block. The descriptor itself
+    // stays blocking, as select() announces datagrams with bad checksums on a non-blocking one.
+    const ssize_t received = ::recvfrom(descriptor, reply.data(), reply.size(), MSG_DONTWAIT,
                                         reinterpret_cast<sockaddr*>(&source), &sourceLength);
     if (received < 0) {
         reportFailedReceive();
@@ -110,7 +102,6 @@ void probeFrom(in_addr local, const char* localText, ResponderTable& responders,
     errno = 0;
     const UdpSocket socket;
     tDebugPrint("**** %s\n", localText);
-    makeNonBlocking(socket.descriptor());
     sendProbe(socket.descriptor(), local);
     collectReplies(socket.descriptor(), responders, leaving);
     tDebugPrint("Out of While loop\n");
