@@ -142,6 +142,15 @@ void answerAfterASignal(int descriptor, bool probe, const sockaddr_in& from) {
     answer(descriptor, probe, from);
 }
 
+void answerTheProbeAndSendASignal(int descriptor, bool probe, const sockaddr_in& from) {
+    if (probe) {
+        answer(descriptor, probe, from);
+    } else {
+        std::this_thread::sleep_for(100ms);
+        ::pthread_kill(runner, SIGUSR1);
+    }
+}
+
 void setBridge(const std::string& state) {
     QCOMPARE(std::system(("ip link set lan0 " + state).c_str()), 0);
 }
@@ -273,6 +282,8 @@ class TestDiscoveryFaults : public QObject {
         row("select always fails", alwaysSignals, answer, interrupted.repeated(256) + nothing, 0, 0);
         row("announced but not there", alwaysReady, silence, timedOut.repeated(256) + nothing, 0, 0);
         row("signals arrive", none, answerAfterASignal, interrupted.repeated(2) + two, 2, 2);
+        row("signals arrive at a question", none, answerTheProbeAndSendASignal,
+            two + u"Cant able to receive anything Interrupted system call|"_s.repeated(2), 0, 2);
         row("an interface goes down", none, answerAndTakeTheBridgeDown, u"Total 1|"_s, 1, 2);
         row("a flood of datagrams", none, flood(200'000, 0ms), u"Total 256|"_s, 0, 0);
         row("a drip starts the quiet time anew", none, flood(300, 10ms), u"Total 256|"_s, 0, 2);

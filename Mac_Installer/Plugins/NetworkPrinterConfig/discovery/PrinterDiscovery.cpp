@@ -23,12 +23,16 @@ int listCount() {
     return static_cast<int>(g_PrinterList->count());
 }
 
-/// Whether there is something to receive within one second. The socket's own time-out would not do: the
-/// system starts it anew after each datagram whose checksum turns out wrong, for as long as somebody sends
-/// such.
+/// Whether there is something to receive within one second; if not, errno is what a receive would report. The
+/// socket's own time-out would not do: the system starts it anew after each datagram whose checksum turns out
+/// wrong, for as long as somebody sends such.
 bool isReadableInTime(int descriptor) {
     pollfd waiting{descriptor, POLLIN, 0};
-    return descriptor < 0 || ::poll(&waiting, 1, 1000) != 0;  // An error is the receive's to report.
+    const int ready = descriptor < 0 ? 1 : ::poll(&waiting, 1, 1000);  // Without a socket the receive fails.
+    if (ready == 0) {
+        errno = EAGAIN;
+    }
+    return ready > 0;
 }
 
 /// Sends the device id request and waits at most one second for a datagram, from whoever it comes. Returns
@@ -44,7 +48,6 @@ ssize_t askForDeviceId(in_addr responder, std::span<char> reply) {
     tDebugPrint("Waiting for receive from 2@@@ \n");
     tDebugPrint("IP address is: %s\n", dottedDecimal(responder).data());
     if (!isReadableInTime(socket.descriptor())) {
-        errno = EAGAIN;  // As the time-out reports it.
         return -1;
     }
     return ::recvfrom(socket.descriptor(), reply.data(), reply.size(), 0,
