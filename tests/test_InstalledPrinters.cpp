@@ -92,21 +92,26 @@ class TestInstalledPrinters : public QObject {
         QCOMPARE(g_PrinterAlreadyInstalled, 1);
     }
 
-    /// The PPD is where no buffer can name it, or is not behind a link: its queue does not count.
+    /// The longest target of a link that fits the buffer counts. One byte more, or no link: it does not.
     void passesOverPpdsWithoutAUsableLink() {
         const QString lookedFor = queueName(u"KV210 10.0.0.1"_s);
         const QByteArray link = (home_.path() + u"/link"_s).toUtf8();
-        const QByteArray farAway = "/" + QByteArray("very-long/").repeated(200) + "KV210.ppd";
-        QCOMPARE(::symlink(farAway, link), 0);
         const QByteArray file = service_.ppdPath(lookedFor).toUtf8();
-        for (const auto& [answer, shown] : {std::pair{link, farAway.left(1023)}, {file, QByteArray()}}) {
-            const QByteArray given = answer;
-            ppdOfQueue = [&given](const char*) { return given.constData(); };
+        const QByteArray longest = file.rightJustified(1023, '/');
+        // Cut to the buffer, the path of the second would be the first's.
+        for (const auto& [target, shown] : {std::pair{longest, longest}, {longest + "x", QByteArray()}}) {
+            const QByteArray targetPath = target;
+            QFile::remove(QString::fromUtf8(link));
+            QCOMPARE(::symlink(targetPath, link), 0);
+            ppdOfQueue = [&link](const char*) { return link.constData(); };
             const QStringList log = logOf(lookedFor);
             QCOMPARE(log.count(u"PPD name is "_s + QString::fromLatin1(shown)), 10);
-            QCOMPARE(log.count(u"PPD open failed"_s), 10);
-            QCOMPARE(g_PrinterAlreadyInstalled, 0);
+            QCOMPARE(log.count(u"PPD open failed"_s), shown.isEmpty() ? 10 : 0);
+            QCOMPARE(g_PrinterAlreadyInstalled, shown.isEmpty() ? 0 : 1);
         }
+        ppdOfQueue = [&file](const char*) { return file.constData(); };
+        QCOMPARE(logOf(lookedFor).count(u"PPD name is "_s), 10);
+        QCOMPARE(g_PrinterAlreadyInstalled, 0);
     }
 
     /// The last of the shared service: it is stopped in the middle of a walk.

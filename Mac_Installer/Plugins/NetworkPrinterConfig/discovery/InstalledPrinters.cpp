@@ -10,6 +10,7 @@
 
 #include <array>
 #include <cerrno>
+#include <iterator>
 #include <memory>
 
 QString g_ModelName = QStringLiteral("");  // NOLINT(cert-err58-cpp): a literal allocates nothing
@@ -45,9 +46,9 @@ class Destinations {
 Ppd openPpdOf(const char* queue) {
     std::array<char, 1024> path{};
     const char* const link = cupsGetPPD2(CUPS_HTTP_DEFAULT, queue);
-    if (link != nullptr) {
-        // One byte stays zero: readlink does not terminate what it writes. No result leaves the path empty.
-        [[maybe_unused]] const ssize_t length = ::readlink(link, path.data(), path.size() - 1);
+    // A target that fills the buffer has no terminator and may be cut: such a path is not followed.
+    if (link != nullptr && ::readlink(link, path.data(), path.size()) == std::ssize(path)) {
+        path.fill('\0');
     }
     tDebugPrint("PPD name is %s\n", path.data());
     Ppd ppd(ppdOpenFile(path.data()));
