@@ -2,12 +2,19 @@
 
 #include "handoff/SelectionFile.h"
 #include "platform/DocumentsFolder.h"
+#include "platform/FileManager.h"
 #include "support/Fixtures.h"
 #include "support/SystemLogCapture.h"
 #include "support/TestMain.h"
 
 #include <QDir>
 #include <QTest>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <thread>
 
 namespace {
 
@@ -82,6 +89,27 @@ class TestSelectionFile : public QObject {
         // Six times, as the first had no folder for its log.
         QCOMPARE(takeLog(home_).join(u'|') + u'|',
                  u"Inside RemoveFile|Return from RemoveFile|"_s.repeated(6));
+    }
+
+    /// Somebody else removes the file at the same time: each removal is told by the one who made it.
+    void reportsOnlyItsOwnRemovals() {
+        const QByteArray file = (home_.path() + u"/shared"_s).toUtf8();
+        std::atomic<int> created = 0;
+        int removedThere = 0;
+        std::jthread other([&](const std::stop_token& stop) {
+            while (!stop.stop_requested()) {
+                created += ::close(::open(file, O_CREAT | O_EXCL, 0600)) == 0 ? 1 : 0;
+                removedThere += ::unlink(file) == 0 ? 1 : 0;
+            }
+        });
+        int removedHere = 0;
+        while (created < 5'000) {
+            removedHere += removeItemAtPath(QString::fromUtf8(file)).code == FileError::none ? 1 : 0;
+        }
+        other.request_stop();
+        other.join();
+        QVERIFY(removedHere > 0);
+        QCOMPARE(removedHere + removedThere, created.load());
     }
 
     void reads() {

@@ -30,11 +30,10 @@ int codeOf(const std::error_code& error) {
 FileError removeItemAtPath(const QString& path) {
     const std::filesystem::path item(QFile::encodeName(path).toStdString());
     std::error_code error;
-    // remove_all finds nothing wrong with a path where nothing is; callers must be able to tell.
-    if (std::filesystem::symlink_status(item, error).type() == std::filesystem::file_type::not_found) {
+    // remove_all finds nothing wrong with a path where nothing is; callers must be able to tell. Its count
+    // also tells of an item that another process removed first, which no check beforehand would.
+    if (std::filesystem::remove_all(item, error) == 0) {
         error = std::make_error_code(std::errc::no_such_file_or_directory);
-    } else if (!error) {
-        std::filesystem::remove_all(item, error);
     }
     if (!error) {
         return {};
