@@ -21,7 +21,18 @@ void removeLinks() {
     }
 }
 
+/// What keeps a service that never answers from holding the check up.
+void askWhetherTheServiceAnswers() {
+    http_t* const service =
+        httpConnect2(cupsServer(), ippPort(), nullptr, AF_UNSPEC, HTTP_ENCRYPTION_NEVER, 1, 10'000, nullptr);
+    httpClearFields(service);
+    httpOptions(service, "*");
+    benchmark::DoNotOptimize(httpWait(service, 10'000));
+    httpClose(service);
+}
+
 void bareCheck() {
+    askWhetherTheServiceAnswers();
     cups_dest_t* list = nullptr;
     const int count = cupsGetDests2(CUPS_HTTP_DEFAULT, &list);
     for (int index = 0; index < count; ++index) {

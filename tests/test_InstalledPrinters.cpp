@@ -6,12 +6,17 @@
 #include "support/PrivateCupsd.h"
 #include "support/TestMain.h"
 
+#include <QElapsedTimer>
 #include <QRegularExpression>
 #include <QTest>
 
 #include <cups/cups.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <chrono>
 #include <functional>
 #include <thread>
 
@@ -20,26 +25,59 @@ namespace {
 using namespace Qt::StringLiterals;
 
 std::function<const char*(const char*)> ppdOfQueue;  // In place of CUPS's own answer, if set.
+int waitDivisor = 1;                                 // What the program's waits for the service are cut by.
 
 /// Its name for the queue that the page would make: "KV210 10.0.0.1".
 QString queueName(const QString& printer) {
     return u"Tovik-%1-Ethernet-Printer-IP=%2"_s.arg(printer.section(u' ', 0, 0), printer.section(u' ', 1));
 }
 
+/// A socket that takes connections and never answers.
+class SilentService {
+  public:
+    explicit SilentService(const QString& path) : path_(path.toUtf8()) {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        std::copy(path_.begin(), path_.end(), address.sun_path);
+        QCOMPARE(::bind(descriptor_, reinterpret_cast<const sockaddr*>(&address), sizeof(address)), 0);
+        QCOMPARE(::listen(descriptor_, 10), 0);
+    }
+    SilentService(const SilentService&) = delete;
+    SilentService& operator=(const SilentService&) = delete;
+    ~SilentService() {
+        ::close(descriptor_);
+        ::unlink(path_);
+    }
+
+    [[nodiscard]] const QByteArray& path() const { return path_; }
+
+  private:
+    QByteArray path_;
+    int descriptor_ = ::socket(AF_UNIX, SOCK_STREAM, 0);
+};
+
 }  // namespace
 
-// The linker puts these in front of CUPS's own function.
+// The linker puts these in front of CUPS's own functions.
 extern "C" const char* __real_cupsGetPPD2(http_t* http, const char* name);
 extern "C" const char* __wrap_cupsGetPPD2(http_t* http, const char* name);
 extern "C" const char* __wrap_cupsGetPPD2(http_t* http, const char* name) {
     return ppdOfQueue ? ppdOfQueue(name) : __real_cupsGetPPD2(http, name);
+}
+extern "C" int __real_httpWait(http_t* http, int milliseconds);
+extern "C" int __wrap_httpWait(http_t* http, int milliseconds);
+extern "C" int __wrap_httpWait(http_t* http, int milliseconds) {
+    return __real_httpWait(http, milliseconds / waitDivisor);
 }
 
 class TestInstalledPrinters : public QObject {
     Q_OBJECT
 
   private slots:
-    void cleanup() { ppdOfQueue = nullptr; }
+    void cleanup() {
+        ppdOfQueue = nullptr;
+        waitDivisor = 1;
+    }
 
     void logsEachQueue() {
         // Without what is the same in each name and path.
@@ -112,6 +150,39 @@ class TestInstalledPrinters : public QObject {
         ppdOfQueue = [&file](const char*) { return file.constData(); };
         QCOMPARE(logOf(lookedFor).count(u"PPD name is "_s), 10);
         QCOMPARE(g_PrinterAlreadyInstalled, 0);
+    }
+
+    /// It takes connections, and nothing else comes from it.
+    void doesNotWaitForASilentService() {
+        const SilentService silent(home_.path() + u"/silent.sock"_s);
+        const QByteArray server = qgetenv("CUPS_SERVER");
+        qputenv("CUPS_SERVER", silent.path());
+        QElapsedTimer timer;
+        timer.start();
+        const QStringList log = logOf(u"KV210"_s);
+        const qint64 elapsed = timer.elapsed();
+        qputenv("CUPS_SERVER", server);
+        QVERIFY2(elapsed >= 10'000 && elapsed < 11'000, qPrintable(QString::number(elapsed)));
+        QCOMPARE(log.join(u'|'),
+                 u"GetInstalledPrinterList|Number of printers found in the system is 0|"
+                 "Model Name *** Is KV210|Return from CUPS Printer List"_s);
+        QCOMPARE(g_PrinterAlreadyInstalled, 0);
+    }
+
+    /// It falls silent on the first question for a PPD: it is not asked for another.
+    void asksNoMoreOfAServiceThatFellSilent() {
+        const SilentService silent(home_.path() + u"/silent.sock"_s);
+        int asked = 0;
+        ppdOfQueue = [&](const char*) {
+            ++asked;
+            cupsSetServer(silent.path());
+            std::this_thread::sleep_for(std::chrono::seconds(1));
+            return nullptr;
+        };
+        waitDivisor = 100;
+        const QStringList log = logOf(queueName(u"KV210 10.0.0.1"_s));
+        QCOMPARE(asked, 1);
+        QCOMPARE(log.count(u"PPD open failed"_s), 10);
     }
 
     /// The last of the shared service: it is stopped in the middle of a walk.

@@ -4,6 +4,8 @@
 #include "handoff/DiagnosticLog.h"
 #include "platform/StringFormat.h"
 
+#include <QElapsedTimer>
+
 #include <cups/cups.h>
 #include <cups/ppd.h>
 #include <unistd.h>
@@ -19,33 +21,67 @@ std::int32_t g_PrinterAlreadyInstalled = 0;
 namespace {
 
 constexpr const char* seriesAttribute = "PCFileName";
+constexpr int answerLimit = 10'000;  // Milliseconds; after them a print service counts as silent.
+constexpr int slowAnswer = 1'000;    // Milliseconds; a PPD that takes them raises the question again.
 
 struct PpdCloser {
     void operator()(ppd_file_t* ppd) const { ppdClose(ppd); }
 };
 using Ppd = std::unique_ptr<ppd_file_t, PpdCloser>;
 
-/// The destinations of the default server, freed together.
-class Destinations {
+/// Whether the default server takes connections and does not answer. libcups would wait for minutes then, as
+/// nothing sets a limit on its default connection; this asks on a connection of its own.
+bool isServiceSilent() {
+    QElapsedTimer timer;
+    timer.start();
+    // Unencrypted, as a handshake can't be limited either; a refusal is an answer.
+    const std::unique_ptr<http_t, decltype(&httpClose)> service(
+        httpConnect2(cupsServer(), ippPort(), nullptr, AF_UNSPEC, HTTP_ENCRYPTION_NEVER, 1, answerLimit,
+                     nullptr),
+        &httpClose);
+    if (!service) {
+        return timer.elapsed() >= answerLimit;
+    }
+    httpClearFields(service.get());  // Sets the Host field; cupsd logs an error without it.
+    return httpOptions(service.get(), "*") == 0 && httpWait(service.get(), answerLimit) == 0;
+}
+
+/// The destinations of the default server, freed together, and the links to their PPDs. A service that is
+/// silent has no destinations; one that falls silent has no more links.
+class PrintService {
   public:
-    Destinations() : count_(cupsGetDests2(CUPS_HTTP_DEFAULT, &list_)) {}
-    Destinations(const Destinations&) = delete;
-    Destinations& operator=(const Destinations&) = delete;
-    ~Destinations() { cupsFreeDests(count_, list_); }
+    PrintService()
+        : isSilent_(isServiceSilent()), count_(isSilent_ ? 0 : cupsGetDests2(CUPS_HTTP_DEFAULT, &list_)) {}
+    PrintService(const PrintService&) = delete;
+    PrintService& operator=(const PrintService&) = delete;
+    ~PrintService() { cupsFreeDests(count_, list_); }
 
     [[nodiscard]] int count() const { return count_; }
-    [[nodiscard]] const cups_dest_t& at(int index) const { return list_[index]; }
+    [[nodiscard]] const char* queueAt(int index) const { return list_[index].name; }
+
+    /// Null for a queue without PPD.
+    [[nodiscard]] const char* linkToPpdOf(const char* queue) {
+        if (isSilent_) {
+            return nullptr;
+        }
+        QElapsedTimer timer;
+        timer.start();
+        const char* const link = cupsGetPPD2(CUPS_HTTP_DEFAULT, queue);
+        isSilent_ = timer.elapsed() >= slowAnswer && isServiceSilent();
+        return link;
+    }
 
   private:
     cups_dest_t* list_ = nullptr;
+    bool isSilent_;
     int count_;
 };
 
 /// Opens the PPD of a queue. CUPS hands out a symbolic link to it for a queue of the local server; anything
 /// else, and a queue without PPD, is not opened.
-Ppd openPpdOf(const char* queue) {
+Ppd openPpdOf(const char* queue, PrintService& service) {
     std::array<char, 1024> path{};
-    const char* const link = cupsGetPPD2(CUPS_HTTP_DEFAULT, queue);
+    const char* const link = service.linkToPpdOf(queue);
     // A target that fills the buffer has no terminator and may be cut: such a path is not followed.
     if (link != nullptr && ::readlink(link, path.data(), path.size()) == std::ssize(path)) {
         path.fill('\0');
@@ -70,9 +106,9 @@ bool isQueueLookedFor(const char* queue) {
     return false;
 }
 
-void examineQueue(const char* queue) {
+void examineQueue(const char* queue, PrintService& service) {
     tDebugPrint("Printer name is %s\n", textOrNull(queue));
-    const Ppd ppd = openPpdOf(queue);
+    const Ppd ppd = openPpdOf(queue, service);
     if (!ppd) {
         return;
     }
@@ -89,11 +125,11 @@ void examineQueue(const char* queue) {
 
 /// A match ends nothing: the other queues are examined, and logged, as well.
 void examineAllQueues() {
-    const Destinations destinations;
-    tDebugPrint("Number of printers found in the system is %d\n", destinations.count());
+    PrintService service;
+    tDebugPrint("Number of printers found in the system is %d\n", service.count());
     tDebugPrint("Model Name *** Is %s\n", UTF8String(g_ModelName).c_str());
-    for (int index = 0; index < destinations.count(); ++index) {
-        examineQueue(destinations.at(index).name);
+    for (int index = 0; index < service.count(); ++index) {
+        examineQueue(service.queueAt(index), service);
     }
 }
 

@@ -1,7 +1,8 @@
 // Whether CUPS already has a print queue for the printer that the user chose. A queue counts by its name,
 // together with the attribute PCFileName of its PPD; neither its device URI nor its options are looked at.
 //
-// Calls to CUPS use the default server and are synchronous: they take as long as the print service takes.
+// Calls to CUPS use the default server and are synchronous. A print service that does not answer within ten
+// seconds counts as not running.
 
 #pragma once
 
