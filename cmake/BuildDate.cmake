@@ -1,23 +1,29 @@
 # QUAZEL_BUILD_DATE: the date that stands before every record of the diagnostic log, such as "Nov 4 2023": month,
-# day without a leading zero and year, with single spaces. It is taken when the program is configured, from
-# SOURCE_DATE_EPOCH where that is set so that builds reproduce, or by hand with -DQUAZEL_BUILD_DATE="Nov 4 2023".
+# day without a leading zero and year, with single spaces. It is the day of the build, or that of SOURCE_DATE_EPOCH
+# in the build's environment, so that builds reproduce.
+#
+# Targets that link quazel_build_date get it from "BuildDate.h". Every build runs this file as a script, which writes
+# that header only when the day has changed.
 
-set(QUAZEL_BUILD_DATE "" CACHE STRING "Date in the diagnostic log; empty takes the day of configuring")
-
-if(NOT QUAZEL_BUILD_DATE)
-    # string(TIMESTAMP) reads SOURCE_DATE_EPOCH by itself. The month's name does not depend on the locale here.
-    string(TIMESTAMP _now "%m;%d;%Y" UTC)
-    list(GET _now 0 _month)
-    list(GET _now 1 _day)
-    list(GET _now 2 _year)
-    set(_months Jan Feb Mar Apr May Jun Jul Aug Sep Oct Nov Dec)
-    math(EXPR _month "${_month} - 1")
-    list(GET _months ${_month} _month)
-    math(EXPR _day "${_day}")
-    # A normal variable hides the cache entry, so a later configuring takes its own day.
-    set(QUAZEL_BUILD_DATE "${_month} ${_day} ${_year}")
+if(NOT CMAKE_SCRIPT_MODE_FILE)
+    set(_folder ${CMAKE_BINARY_DIR}/generated)
+    add_custom_target(build_date_header
+        COMMAND ${CMAKE_COMMAND} -DHEADER=${_folder}/BuildDate.h -P ${CMAKE_CURRENT_LIST_FILE}
+        BYPRODUCTS ${_folder}/BuildDate.h
+        VERBATIM)
+    add_library(quazel_build_date INTERFACE)
+    add_dependencies(quazel_build_date build_date_header)
+    target_include_directories(quazel_build_date INTERFACE ${_folder})
+    return()
 endif()
 
-if(NOT QUAZEL_BUILD_DATE MATCHES "^(Jan|Feb|Mar|Apr|May|Jun|Jul|Aug|Sep|Oct|Nov|Dec) [1-9][0-9]? [0-9][0-9][0-9][0-9]$")
-    message(FATAL_ERROR "QUAZEL_BUILD_DATE is \"${QUAZEL_BUILD_DATE}\", not of the form \"Nov 4 2023\"")
-endif()
+# string(TIMESTAMP) reads SOURCE_DATE_EPOCH by itself. The month's name does not depend on the locale here.
+string(TIMESTAMP _now "%m;%d;%Y" UTC)
+list(GET _now 0 _month)
+list(GET _now 1 _day)
+list(GET _now 2 _year)
+set(_months Jan Feb Mar Apr May Jun Jul Aug Sep Oct Nov Dec)
+math(EXPR _month "${_month} - 1")
+list(GET _months ${_month} _month)
+math(EXPR _day "${_day}")
+file(CONFIGURE OUTPUT ${HEADER} CONTENT "#define QUAZEL_BUILD_DATE \"${_month} ${_day} ${_year}\"\n" @ONLY)

@@ -1,6 +1,7 @@
 // The diagnostic log byte for byte, on folders that are in order and on folders that are not. The log begins
 // once a process, so each case runs in a child of its own.
 
+#include "BuildDate.h"
 #include "handoff/DiagnosticLog.h"
 #include "platform/DocumentsFolder.h"
 #include "support/Fixtures.h"

@@ -1,5 +1,7 @@
 #include "support/Fixtures.h"
 
+#include "BuildDate.h"
+
 #include <QDir>
 #include <QFile>
 #include <QTest>

@@ -1,5 +1,6 @@
 #include "handoff/DiagnosticLog.h"
 
+#include "BuildDate.h"
 #include "platform/DocumentsFolder.h"
 #include "platform/FileManager.h"
 #include "platform/StringFormat.h"
