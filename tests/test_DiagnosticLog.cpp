@@ -8,6 +8,7 @@
 #include "support/SystemLogCapture.h"
 #include "support/TestMain.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QTest>
 
@@ -112,6 +113,27 @@ class TestDiagnosticLog : public QObject {
         QVERIFY(status == 0 && QFile::exists(result));
         QTEST(contentOf(result), "log");
         QTEST(capture.take().join(u'|').replace(logPath(), u"PATH"_s), "systemLog");
+    }
+
+    void keepsEarlierLogsOfOneSecond() {
+        const TemporaryHome home;
+        documents = home.documents();
+        QStringList contents;
+        for (const QByteArray content : {"a", "b", "c"}) {
+            writeFile(logPath(), content);
+            QFile log(logPath());
+            QVERIFY(log.open(QIODevice::Append) &&
+                    log.setFileTime(QDateTime({2023, 11, 4}, {8, 5}), QFileDevice::FileModificationTime));
+            log.close();
+            keepEarlierLog();
+            keepEarlierLog();  // There is none.
+        }
+        for (const QString& name : QDir(documents).entryList(QDir::Files)) {
+            contents += name + u"="_s + QString::fromUtf8(contentOf(documents + u"/"_s + name));
+        }
+        QCOMPARE(contents.join(u'|'),
+                 u"QzInstall-2023-11-04-080500-2.log=b|QzInstall-2023-11-04-080500-3.log=c|"
+                 "QzInstall-2023-11-04-080500.log=a"_s);
     }
 };
 

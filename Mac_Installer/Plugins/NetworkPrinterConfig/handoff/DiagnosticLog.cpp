@@ -118,5 +118,10 @@ void keepEarlierLog() {
         return;
     }
     const QString time = log.lastModified().toString(QStringLiteral("yyyy-MM-dd-HHmmss"));
-    QFile::rename(log.filePath(), log.dir().filePath(QStringLiteral("QzInstall-%1.log").arg(time)));
+    const QString start = log.dir().filePath(QStringLiteral("QzInstall-") + time);
+    QString kept = start + QStringLiteral(".log");
+    // The name is taken when a log of the same second has been kept before.
+    for (int number = 2; !QFile::rename(log.filePath(), kept) && QFileInfo::exists(kept); ++number) {
+        kept = start + QStringLiteral("-%1.log").arg(number);
+    }
 }

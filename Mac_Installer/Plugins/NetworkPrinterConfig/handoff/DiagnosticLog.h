@@ -20,7 +20,7 @@ void tDebugPrint(const char* format, ...) __attribute__((format(printf, 1, 2)));
 [[nodiscard]] QString GetDocumentPath();
 
 /// Moves the log of an earlier process aside, to QzInstall-DATE-TIME.log beside it, where DATE and TIME are
-/// those of its last record in local time. For programs whose own log must not cost the person the
-/// installer's. Called before the first tDebugPrint; does nothing when there is no log, and leaves it in
-/// place when it can't be moved.
+/// those of its last record in local time; where that name is taken, "-2", "-3" and so on are put behind it.
+/// For programs whose own log must not replace the installer's. Called before the first tDebugPrint; does
+/// nothing when there is no log. One that can't be moved stays, and the first tDebugPrint removes it.
 void keepEarlierLog();
