@@ -6,6 +6,7 @@
 
 #include <QTest>
 
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
 
@@ -13,13 +14,22 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// What the program prints, sorted, as the hosts answer in any order, and its status.
-QByteArray discover(const QString& arguments = {}) {
-    QProcess shell;
-    shell.start(u"bash"_s, {u"-c"_s, u"'%1' %2 | LC_ALL=C sort; echo ${PIPESTATUS[0]}"_s.arg(
-                                         programPath(u"kv-discover"_s), arguments)});
-    shell.waitForFinished();
-    return shell.readAllStandardOutput().replace('\n', '|');
+/// Sorted, as the hosts answer in any order.
+QByteArray sortedLines(const QByteArray& text) {
+    QByteArrayList lines = text.split('\n');
+    lines.removeAll(QByteArray());
+    std::sort(lines.begin(), lines.end());
+    return lines.join('|');
+}
+
+/// Output, errors and status of a program; by default of the search.
+QByteArrayList discover(const QStringList& arguments = {},
+                        const QString& program = programPath(u"kv-discover"_s)) {
+    QProcess process;
+    process.start(program, arguments);
+    process.waitForFinished();
+    return {sortedLines(process.readAllStandardOutput()), sortedLines(process.readAllStandardError()),
+            QByteArray::number(process.exitCode())};
 }
 
 }  // namespace
@@ -32,12 +42,12 @@ class TestSnmpd : public QObject {
         qputenv("PATH", "/usr/sbin:" + qgetenv("PATH"));
         // Here the printers are other hosts: their addresses are not this one's.
         QCOMPARE(std::system("ip route del local 10.0.0.0/24 dev lo"), 0);
-        addHost(2, deviceId(u"LP1"_s));
+        addHost(2, deviceId(u"LP\x1b[1m"_s));
         QTRY_VERIFY(answers(2));
     }
 
     void findsNoneOfAnotherMaker() {
-        QCOMPARE(discover(), "PrinterInfo.szModel LP1|1|");
+        QCOMPARE(discover(), (QByteArrayList{"", "PrinterInfo.szModel LP\x1b[1m", "1"}));
         QVERIFY(takeLog(home_).contains(u"IP address is: 10.0.0.2"_s));
     }
 
@@ -45,14 +55,24 @@ class TestSnmpd : public QObject {
         addHost(3, deviceId(u"TVK KV260N"_s));
         addHost(4, deviceId(u"KV460"_s));
         QTRY_VERIFY(answers(3) && answers(4));
-        QCOMPARE(discover(),
-                 "PrinterInfo.szModel KV460|PrinterInfo.szModel LP1|PrinterInfo.szModel TVK KV260N|"
-                 "Tovik KV260 @10.0.0.3|Tovik KV460 @10.0.0.4|0|");
+        QCOMPARE(discover(), (QByteArrayList{"Tovik KV260 @10.0.0.3|Tovik KV460 @10.0.0.4",
+                                             "PrinterInfo.szModel KV460|PrinterInfo.szModel LP\x1b[1m|"
+                                             "PrinterInfo.szModel TVK KV260N",
+                                             "0"}));
+    }
+
+    /// Nothing that the network says controls the terminal.
+    void escapesOnATerminal() {
+        const QString command = programPath(u"kv-discover"_s) + u" >/dev/null"_s;
+        QCOMPARE(discover({u"-qec"_s, command, u"/dev/null"_s}, u"script"_s),
+                 (QByteArrayList{"PrinterInfo.szModel KV460\r|PrinterInfo.szModel LP\\x1b[1m\r|"
+                                 "PrinterInfo.szModel TVK KV260N\r",
+                                 "", "0"}));
     }
 
     void refusesArguments() {
-        QCOMPARE(discover(u"10.0.0.3"_s), "2|");
-        QCOMPARE(discover(u"--unknown"_s), "2|");
+        QCOMPARE(discover({u"10.0.0.3"_s}).last(), "2");
+        QCOMPARE(discover({u"--unknown"_s}).last(), "2");
     }
 
     void cleanupTestCase() {

@@ -3,8 +3,11 @@
 #include "discovery/PrinterDiscovery.h"
 #include "handoff/DiagnosticLog.h"
 
+#include <QByteArray>
 #include <QCommandLineParser>
 #include <QCoreApplication>
+
+#include <unistd.h>
 
 #include <cstdio>
 
@@ -13,6 +16,34 @@ namespace {
 constexpr int exitFound = 0;
 constexpr int exitNoneFound = 1;
 constexpr int exitUsage = 2;
+
+/// Writes one line of the search to standard error. Its model text is the network's: a terminal, which would
+/// obey control characters, gets all but printable ASCII as "\xHH".
+ssize_t writeModelText(void* /*cookie*/, const char* line, std::size_t size) {
+    const bool isTerminal = ::isatty(STDERR_FILENO) != 0;
+    QByteArray shown;
+    for (std::size_t index = 0; index < size; ++index) {
+        const char byte = line[index];
+        const bool isLineEnd = byte == '\n' && index + 1 == size;
+        if (isTerminal && !isLineEnd && (byte < ' ' || byte > '~')) {
+            shown += "\\x" + QByteArray(1, byte).toHex();
+        } else {
+            shown += byte;
+        }
+    }
+    std::fwrite(shown.constData(), 1, static_cast<std::size_t>(shown.size()), stderr);
+    return static_cast<ssize_t>(size);
+}
+
+/// What the search itself prints to standard output goes to standard error, so that only printers are left.
+void search() {
+    FILE* const output = stdout;
+    stdout = ::fopencookie(nullptr, "w", {nullptr, writeModelText, nullptr, nullptr});  // glibc allows it.
+    std::setvbuf(stdout, nullptr, _IONBF, 0);  // Each print is one line, and one write.
+    GetTovikQuazelPrinters();
+    std::fclose(stdout);
+    stdout = output;
+}
 
 /// The list's first entry is not a printer but the invitation to type an address.
 int printPrinters() {
@@ -30,13 +61,13 @@ int main(int argc, char** argv) {
     QCoreApplication::setApplicationVersion(QStringLiteral(QUAZEL_VERSION));
 
     QCommandLineParser parser;
-    parser.setApplicationDescription(
-        QStringLiteral("Searches this machine's networks for Tovik KV card printers and prints them, one a "
-                       "line, after the model\n"
-                       "texts of all printers that answered. The steps are in QzInstall.log in the documents "
-                       "folder; an earlier\n"
-                       "log is kept there under the date and time of its last record.\n\n"
-                       "Exit status: 0 when a printer was found, 1 when none was, 2 for wrong usage."));
+    parser.setApplicationDescription(QStringLiteral(
+        "Searches this machine's networks for Tovik KV card printers and prints them, one a "
+        "line. The model texts\n"
+        "of all printers that answered go to standard error. The steps are in QzInstall.log in "
+        "the documents\n"
+        "folder; an earlier log is kept there under the date and time of its last record.\n\n"
+        "Exit status: 0 when a printer was found, 1 when none was, 2 for wrong usage."));
     parser.addHelpOption();
     parser.addVersionOption();
     if (!parser.parse(QCoreApplication::arguments()) || !parser.positionalArguments().isEmpty()) {
@@ -48,6 +79,6 @@ int main(int argc, char** argv) {
     parser.process(application);  // Answers --help and --version.
 
     keepEarlierLog();
-    GetTovikQuazelPrinters();
+    search();
     return printPrinters();
 }
