@@ -10,6 +10,7 @@
 #include <cups/ppd.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <iterator>
@@ -43,7 +44,8 @@ bool isServiceSilent() {
         return timer.elapsed() >= answerLimit;
     }
     httpClearFields(service.get());  // Sets the Host field; cupsd logs an error without it.
-    return httpOptions(service.get(), "*") == 0 && httpWait(service.get(), answerLimit) == 0;
+    const int left = std::max(0, answerLimit - static_cast<int>(timer.elapsed()));
+    return httpOptions(service.get(), "*") == 0 && httpWait(service.get(), left) == 0;
 }
 
 /// The destinations of the default server, freed together, and the links to their PPDs. A service that is
