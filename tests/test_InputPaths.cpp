@@ -76,6 +76,9 @@ void GetInstalledPrinterList() {
 
 namespace {
 
+constexpr int pause = 1000;      // ms, longer than a double click
+constexpr int shortPause = 100;  // ms, shorter
+
 /// The window with its pages, worked by real events.
 class Desk {
   public:
@@ -89,7 +92,7 @@ class Desk {
             std::vector<InstallerPane*>{new IntroductionPane(QString()), page_, new SummaryPane});
         window_->resize(780, 780);
         window_->show();
-        (void)QTest::qWaitForWindowActive(window_.get());
+        RC_ASSERT(QTest::qWaitForWindowActive(window_.get()));
         (void)takeLog(home_);
         (void)beeps_.take();
         alerts_.beforeClosing = [this] { actBehindAlert(); };
@@ -118,27 +121,50 @@ class Desk {
         }
     }
 
-    void pressMnemonic(Button button) {
-        const QString text = widgetOf(button)->text();
-        QTest::keyClick(keyTarget(), text.at(text.indexOf(u'&') + 1).toLatin1(), Qt::AltModifier);
-    }
-
-    /// Return `after` milliseconds of the events' own time.
-    void pressReturn(int after, bool isHeld = false) {
+    /// Presses a key `after` milliseconds of the events' own time; held down, it repeats once more.
+    void pressKey(char character, Qt::KeyboardModifiers modifiers, int after, bool isHeld = false) {
         QTest::lastMouseTimestamp += after;
-        for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease}) {
-            QKeyEvent event(type, Qt::Key_Return, {}, u"\r"_s, isHeld);
-            event.setTimestamp(static_cast<quint64>(QTest::lastMouseTimestamp));
-            QApplication::sendEvent(keyTarget(), &event);
+        const auto time = static_cast<quint64>(QTest::lastMouseTimestamp);
+        const int key = QTest::asciiToKey(character);
+        const QString text{QLatin1Char(character)};
+        for (const bool isRepeated : {false, true}) {
+            if (isRepeated && !isHeld) {
+                break;
+            }
+            QWidget* const target = keyTarget();
+            if (!qt_sendShortcutOverrideEvent(target, time, key, modifiers, text, isRepeated)) {
+                QKeyEvent press(QEvent::KeyPress, key, modifiers, text, isRepeated);
+                press.setTimestamp(time);
+                QApplication::sendEvent(target, &press);
+            }
         }
+        QKeyEvent release(QEvent::KeyRelease, key, modifiers, text);
+        release.setTimestamp(time);
+        QApplication::sendEvent(keyTarget(), &release);
     }
 
-    void typeInto(QWidget* control, const std::function<void()>& keys) {
+    void pressMnemonic(Button button, int after, bool isHeld = false) {
+        const QString text = widgetOf(button)->text();
+        pressKey(text.at(text.indexOf(u'&') + 1).toLower().toLatin1(), Qt::AltModifier, after, isHeld);
+    }
+    void pressReturn(int after, bool isHeld = false) { pressKey('\r', {}, after, isHeld); }
+
+    bool takeFocus(QWidget* control) {
+        activate();
         if (control->isVisible()) {
             control->setFocus();
-            if (control->hasFocus()) {
-                keys();
-            }
+        }
+        return control->isVisible() && control->hasFocus();
+    }
+
+    void pressSpace(Button button) {
+        if (takeFocus(widgetOf(button))) {
+            pressKey(' ', {}, pause);
+        }
+    }
+    void pressInList(Qt::Key key) {
+        if (takeFocus(list)) {
+            QTest::keyClick(list, key);
         }
     }
 
@@ -170,10 +196,40 @@ class Desk {
         }
     }
 
-    void compose(const QString& preedit, const QString& commit) {
-        QInputMethodEvent event(preedit, {});
-        event.setCommitString(commit);
-        QApplication::sendEvent(field, &event);
+    void chooseLastByAssistance() {
+        assist(list, QAccessibleActionInterface::showMenuAction());
+        chooseLastInPopup();
+    }
+
+    [[nodiscard]] int length() const { return static_cast<int>(field->text().size()); }
+
+    void type(const QString& text) {
+        if (takeFocus(field)) {
+            field->end(false);
+            for (const QChar character : text) {
+                QTest::sendKeyEvent(QTest::Click, field, Qt::Key_unknown, QString(character), {});
+            }
+        }
+    }
+
+    void paste(const QString& text) {
+        if (takeFocus(field)) {
+            QApplication::clipboard()->setText(text);
+            field->selectAll();
+            QTest::keySequence(field, QKeySequence::Paste);
+        }
+    }
+
+    /// Replaces all by way of a preedit; a null text gives it up.
+    void compose(const QString& text) {
+        if (takeFocus(field)) {
+            field->selectAll();
+            QInputMethodEvent preedit(u"preedit"_s, {});
+            QApplication::sendEvent(field, &preedit);
+            QInputMethodEvent commit;
+            commit.setCommitString(text);
+            QApplication::sendEvent(field, &commit);
+        }
     }
 
     void drop(const QString& text) {
@@ -197,8 +253,7 @@ class Desk {
 
     /// Waits until the page has come to rest: no search, or one that waits for printers.
     void settle() {
-        window_->activateWindow();  // Without a window manager, a closed alert leaves no window active.
-        QTest::lastMouseTimestamp += 1000;
+        QTest::lastMouseTimestamp += pause;
         QElapsedTimer clock;
         for (clock.start(); clock.elapsed() < 5000;) {
             QCoreApplication::processEvents();
@@ -207,6 +262,7 @@ class Desk {
                 return;
             }
         }
+        RC_FAIL("the page does not come to rest");
     }
 
     /// What can be seen of the page now, in the model's words.
@@ -234,14 +290,21 @@ class Desk {
         seen.deSelect = page_->g_deSelectCell();
         seen.selectedCell = page_->g_SelectedCell();
         seen.file = QString::fromLatin1(contentOf(home_.selectionFile()));
-        seen.beeps = beeps_.take();
-        seen.alerts = alerts_.take();
-        seen.records = takeLog(home_);
+        seen.effects = {takeLog(home_), alerts_.take(), beeps_.take()};
         return seen.text() + (enabled.count(enabled.first()) == enabled.size() ? QString() : u"mixed"_s);
     }
 
   private:
+    /// Without a window manager, a closed alert or popup leaves no window active.
+    void activate() const {
+        if (!window_->isActiveWindow()) {
+            window_->activateWindow();
+            QCoreApplication::processEvents();
+        }
+    }
+
     [[nodiscard]] QWidget* keyTarget() const {
+        activate();
         QWidget* const focused = QApplication::focusWidget();
         return focused != nullptr ? focused : window_.get();
     }
@@ -252,8 +315,7 @@ class Desk {
             assist(static_cast<Button>(button));
         }
         accessibleText()->insertText(0, u"9"_s);
-        assist(list, QAccessibleActionInterface::showMenuAction());
-        chooseLastInPopup();
+        chooseLastByAssistance();
     }
 
     const TemporaryHome& home_;
@@ -285,18 +347,16 @@ struct Act {
     void (*expect)(PageModel& model, const Choice& choice);
 };
 
-constexpr int longPause = 1000;  // ms, longer than a double click
-constexpr int shortPause = 100;
 constexpr Qt::Key listKeys[]{Qt::Key_Down, Qt::Key_Up, Qt::Key_Home, Qt::Key_End};
-const QString showMenu = QAccessibleActionInterface::showMenuAction();
 
-void pressOnce(PageModel& model, const Choice& choice) {
+void nothing(PageModel&, const Choice&) {}
+void press(PageModel& model, const Choice& choice) {
     model.press(choice.button);
 }
-void continueOnce(PageModel& model, const Choice& /*choice*/) {
+void pressNext(PageModel& model, const Choice&) {
     model.press(Button::Next);
 }
-void selectLast(PageModel& model, const Choice& /*choice*/) {
+void selectLast(PageModel& model, const Choice&) {
     model.select(model.items.size() - 1);
 }
 void append(PageModel& model, const Choice& choice) {
@@ -305,10 +365,15 @@ void append(PageModel& model, const Choice& choice) {
 void replace(PageModel& model, const Choice& choice) {
     model.edit(choice.text);
 }
+void replaceIfOther(PageModel& model, const Choice& choice) {
+    if (choice.text != model.address) {
+        model.edit(choice.text);
+    }
+}
 
 const Act acts[]{
-    {"click", [](Desk& desk, const Choice& choice) { desk.click(choice.button, QTest::MouseClick); },
-     pressOnce},
+    // Presses of choice.button.
+    {"click", [](Desk& desk, const Choice& choice) { desk.click(choice.button, QTest::MouseClick); }, press},
     {"double click", [](Desk& desk, const Choice& choice) { desk.click(choice.button, QTest::MouseDClick); },
      [](PageModel& model, const Choice& choice) {
          model.press(choice.button);
@@ -316,167 +381,96 @@ const Act acts[]{
              model.press(choice.button);  // Each half selects.
          }
      }},
-    {"mnemonic", [](Desk& desk, const Choice& choice) { desk.pressMnemonic(choice.button); }, pressOnce},
+    {"mnemonic", [](Desk& desk, const Choice& choice) { desk.pressMnemonic(choice.button, pause); }, press},
+    {"mnemonic held down",
+     [](Desk& desk, const Choice& choice) { desk.pressMnemonic(choice.button, pause, true); }, press},
     {"two mnemonics",
      [](Desk& desk, const Choice& choice) {
-         desk.pressMnemonic(choice.button);
-         desk.pressMnemonic(choice.second);
+         desk.pressMnemonic(choice.button, pause);
+         desk.pressMnemonic(choice.second, shortPause);
      },
      [](PageModel& model, const Choice& choice) {
          model.press(choice.button);
-         model.press(choice.second);
+         const bool isRepeated = choice.button >= Button::Back && choice.second >= Button::Back;
+         if (!isRepeated) {
+             model.press(choice.second);
+         }
      }},
-    {"Space",
-     [](Desk& desk, const Choice& choice) {
-         QAbstractButton* const button = desk.widgetOf(choice.button);
-         desk.typeInto(button, [=] { QTest::keyClick(button, Qt::Key_Space); });
-     },
-     pressOnce},
+    {"Space", [](Desk& desk, const Choice& choice) { desk.pressSpace(choice.button); }, press},
     {"assistive press", [](Desk& desk, const Choice& choice) { desk.assist(choice.button); },
      [](PageModel& model, const Choice& choice) { model.toggle(choice.button); }},
-    {"Return", [](Desk& desk, const Choice& /*choice*/) { desk.pressReturn(longPause); }, continueOnce},
-    {"Return held down",
-     [](Desk& desk, const Choice& /*choice*/) {
-         desk.pressReturn(longPause);
-         desk.pressReturn(longPause, true);
-     },
-     continueOnce},
+    // Return, wherever the focus is.
+    {"Return", [](Desk& desk, const Choice&) { desk.pressReturn(pause); }, pressNext},
+    {"Return held down", [](Desk& desk, const Choice&) { desk.pressReturn(pause, true); }, pressNext},
     {"Return twice at once",
-     [](Desk& desk, const Choice& /*choice*/) {
-         desk.pressReturn(longPause);
+     [](Desk& desk, const Choice&) {
+         desk.pressReturn(pause);
          desk.pressReturn(shortPause);
      },
-     continueOnce},
+     pressNext},
     {"Return twice",
-     [](Desk& desk, const Choice& /*choice*/) {
-         desk.pressReturn(longPause);
-         desk.pressReturn(longPause);
+     [](Desk& desk, const Choice&) {
+         desk.pressReturn(pause);
+         desk.pressReturn(pause);
      },
-     [](PageModel& model, const Choice& /*choice*/) {
-         model.press(Button::Next);
-         model.press(Button::Next);
+     [](PageModel& model, const Choice& choice) {
+         pressNext(model, choice);
+         pressNext(model, choice);
      }},
-    {"key in the list",
-     [](Desk& desk, const Choice& choice) {
-         desk.typeInto(desk.list, [&] { QTest::keyClick(desk.list, listKeys[choice.key]); });
-     },
+    // The list.
+    {"key in the list", [](Desk& desk, const Choice& choice) { desk.pressInList(listKeys[choice.key]); },
      [](PageModel& model, const Choice& choice) {
          const qsizetype targets[]{model.selected + 1, model.selected - 1, 0, model.items.size() - 1};
          model.select(targets[choice.key]);
      }},
     {"wheel on the list with the focus",
-     [](Desk& desk, const Choice& /*choice*/) { desk.typeInto(desk.list, [&] { desk.turnWheel(); }); },
-     [](PageModel& model, const Choice& /*choice*/) { model.select(model.selected + 1); }},
+     [](Desk& desk, const Choice&) {
+         if (desk.takeFocus(desk.list)) {
+             desk.turnWheel();
+         }
+     },
+     [](PageModel& model, const Choice&) { model.select(model.selected + 1); }},
     {"wheel on the list without the focus",
-     [](Desk& desk, const Choice& /*choice*/) {
-         desk.widgetOf(Button::Next)->setFocus();
+     [](Desk& desk, const Choice&) {
+         desk.takeFocus(desk.widgetOf(Button::Next));
          desk.turnWheel();
      },
-     [](PageModel& /*model*/, const Choice& /*choice*/) {}},
+     nothing},
     {"last in the popup",
-     [](Desk& desk, const Choice& /*choice*/) {
-         desk.typeInto(desk.list, [&] { QTest::keyClick(desk.list, Qt::Key_F4); });
+     [](Desk& desk, const Choice&) {
+         desk.pressInList(Qt::Key_F4);
          desk.chooseLastInPopup();
      },
      selectLast},
-    {"last in an assistive popup",
-     [](Desk& desk, const Choice& /*choice*/) {
-         Desk::assist(desk.list, showMenu);
-         desk.chooseLastInPopup();
-     },
+    {"last in an assistive popup", [](Desk& desk, const Choice&) { desk.chooseLastByAssistance(); },
      selectLast},
-    {"type",
-     [](Desk& desk, const Choice& choice) {
-         desk.typeInto(desk.field, [&] {
-             desk.field->end(false);
-             for (const QChar character : choice.text) {
-                 QTest::sendKeyEvent(QTest::Click, desk.field, Qt::Key_unknown, QString(character), {});
-             }
-         });
-     },
+    // The address.
+    {"type", [](Desk& desk, const Choice& choice) { desk.type(choice.text); },
      [](PageModel& model, const Choice& choice) {
          for (const QChar character : choice.text) {
              model.edit(model.address + character);
          }
      }},
-    {"backspace",
-     [](Desk& desk, const Choice& /*choice*/) {
-         desk.typeInto(desk.field, [&] {
-             desk.field->end(false);
-             QTest::keyClick(desk.field, Qt::Key_Backspace);
-         });
-     },
-     [](PageModel& model, const Choice& /*choice*/) {
-         if (!model.address.isEmpty()) {
-             model.edit(model.address.chopped(1));
-         }
-     }},
-    {"paste over all",
-     [](Desk& desk, const Choice& choice) {
-         desk.typeInto(desk.field, [&] {
-             QApplication::clipboard()->setText(choice.text);
-             desk.field->selectAll();
-             QTest::keySequence(desk.field, QKeySequence::Paste);
-         });
-     },
-     replace},
+    {"paste over all", [](Desk& desk, const Choice& choice) { desk.paste(choice.text); }, replace},
     {"drop at the end", [](Desk& desk, const Choice& choice) { desk.drop(choice.text); }, append},
-    {"compose over all",
-     [](Desk& desk, const Choice& choice) {
-         desk.typeInto(desk.field, [&] {
-             desk.field->selectAll();
-             desk.compose(u"preedit"_s, QString());
-             desk.compose(QString(), choice.text);
-         });
-     },
-     replace},
-    {"compose at the end",
-     [](Desk& desk, const Choice& choice) {
-         desk.typeInto(desk.field, [&] {
-             desk.field->end(false);
-             desk.compose(u"preedit"_s, QString());
-             desk.compose(QString(), choice.text);
-         });
-     },
-     append},
-    {"compose over all and give it up",
-     [](Desk& desk, const Choice& /*choice*/) {
-         desk.typeInto(desk.field, [&] {
-             desk.field->selectAll();
-             desk.compose(u"preedit"_s, QString());
-             desk.compose(QString(), QString());
-         });
-     },
-     [](PageModel& /*model*/, const Choice& /*choice*/) {}},
+    {"compose over all", [](Desk& desk, const Choice& choice) { desk.compose(choice.text); }, replace},
+    {"compose over all and give it up", [](Desk& desk, const Choice&) { desk.compose(QString()); }, nothing},
     {"assistive insert",
-     [](Desk& desk, const Choice& choice) {
-         desk.accessibleText()->insertText(static_cast<int>(desk.field->text().size()), choice.text);
-     },
+     [](Desk& desk, const Choice& choice) { desk.accessibleText()->insertText(desk.length(), choice.text); },
      append},
     {"assistive replace",
      [](Desk& desk, const Choice& choice) {
-         desk.accessibleText()->replaceText(0, static_cast<int>(desk.field->text().size()), choice.text);
+         desk.accessibleText()->replaceText(0, desk.length(), choice.text);
      },
-     [](PageModel& model, const Choice& choice) {
-         if (choice.text != model.address) {
-             model.edit(choice.text);
-         }
-     }},
+     replaceIfOther},
     {"assistive delete",
-     [](Desk& desk, const Choice& /*choice*/) {
-         desk.accessibleText()->deleteText(0, static_cast<int>(desk.field->text().size()));
-     },
-     [](PageModel& model, const Choice& /*choice*/) {
-         if (!model.address.isEmpty()) {
-             model.edit(QString());
-         }
-     }},
+     [](Desk& desk, const Choice&) { desk.accessibleText()->deleteText(0, desk.length()); },
+     [](PageModel& model, const Choice&) { replaceIfOther(model, {}); }},
+    // No act of the user's.
     {"the search ends", [](Desk& desk, const Choice& choice) { desk.endSearch(choice.printers); },
      [](PageModel& model, const Choice& choice) { model.endSearch(choice.printers); }},
 };
-constexpr std::size_t twoMnemonics = 3;
-constexpr std::size_t firstReturn = 6;
-constexpr std::size_t twoReturns = 9;
+constexpr std::size_t click = 0;
 constexpr std::size_t searchEnds = std::size(acts) - 1;
 
 struct ActCommand : rc::state::Command<PageModel, Desk> {
@@ -484,25 +478,13 @@ struct ActCommand : rc::state::Command<PageModel, Desk> {
 
     void checkPreconditions(const PageModel& model) const override {
         RC_PRE(choice_.act != searchEnds || !model.areControlsEnabled);
-        // On the last page, Continue is Close.
-        const bool isReturn = choice_.act >= firstReturn && choice_.act <= twoReturns;
-        const int presses = choice_.act == twoReturns ? 2 : 1;
-        RC_PRE(!(isReturn || (choice_.act < firstReturn && choice_.button == Button::Next)) ||
-               model.step + presses <= PageModel::Summary);
-        // An alert would come between two mnemonics.
-        RC_PRE(choice_.act != twoMnemonics ||
-               (model.step == PageModel::Page && choice_.button != Button::Next));
+        RC_PRE(nextState(model).step != PageModel::Closed);
     }
 
     void apply(PageModel& model) const override {
         model.queues = choice_.queues;
-        model.records.clear();
-        model.alerts.clear();
-        model.beeps = 0;
+        model.effects = {};
         acts[choice_.act].expect(model, choice_);
-        if (model.isSearchStarting) {
-            model.beginSearch();
-        }
     }
 
     void run(const PageModel& before, Desk& desk) const override {
@@ -513,15 +495,19 @@ struct ActCommand : rc::state::Command<PageModel, Desk> {
     }
 
     void show(std::ostream& out) const override {
-        out << acts[choice_.act].name << ", button " << static_cast<int>(choice_.button) << ", then "
-            << static_cast<int>(choice_.second) << ", key " << choice_.key << ", \""
-            << choice_.text.toStdString() << "\", printers " << choice_.printers.join(u", "_s).toStdString();
+        static const char* const names[]{"Directly", "Network", "KV210",   "KV260",   "KV410",
+                                         "KV460",    "Refresh", "Go Back", "Continue"};
+        out << acts[choice_.act].name << " [" << names[static_cast<int>(choice_.button)] << ", then "
+            << names[static_cast<int>(choice_.second)] << "; key " << choice_.key << "; \""
+            << choice_.text.toStdString() << "\"; printers " << choice_.printers.join(u", "_s).toStdString()
+            << "; queues " << choice_.queues.join(u", "_s).toStdString() << ']';
     }
 
   private:
     const Choice choice_;
 };
 
+/// Of the whole range at any size of the test, which would otherwise begin with the first few.
 int below(std::size_t end) {
     return *rc::gen::resize(rc::kNominalSize, rc::gen::inRange(0, static_cast<int>(end)));
 }
@@ -547,12 +533,10 @@ rc::Gen<AnyCommand> anyAct(const PageModel& model) {
         choice.act = static_cast<std::size_t>(below(std::size(acts)));
         choice.button = static_cast<Button>(below(9));
         if (step != PageModel::Page && below(4) > 0) {
-            choice.act = static_cast<std::size_t>(below(firstReturn));
+            choice.act = click;
             choice.button = step == PageModel::Introduction ? Button::Next : Button::Back;
         } else if (isSearching && below(4) == 0) {
             choice.act = searchEnds;
-        } else if (below(3) == 0) {
-            choice.act = static_cast<std::size_t>(below(twoReturns));
         }
         choice.second = static_cast<Button>(below(9));
         choice.key = below(std::size(listKeys));

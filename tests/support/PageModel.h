@@ -15,7 +15,14 @@ using namespace Qt::StringLiterals;
 enum class Button { Directly, Network, Kv210, Kv260, Kv410, Kv460, Refresh, Back, Next };
 
 struct PageModel {
-    enum Step { Introduction, Page, Summary };
+    enum Step { Introduction, Page, Summary, Closed };
+
+    /// What an act leaves behind it.
+    struct Effects {
+        QStringList records;
+        QStringList alerts;
+        int beeps = 0;
+    };
 
     int step = Introduction;
     qsizetype type = -1;
@@ -29,18 +36,12 @@ struct PageModel {
     qsizetype column = -1;
     bool areControlsEnabled = true;  // type, list, Refresh, Continue and Go Back: all but while searching
     bool isBusy = false;
-    bool isSearchStarting = false;
-    QStringList found;
-    QString file;
     bool changeText = false;
     bool deSelect = false;
     qsizetype selectedCell = 0;
+    QString file;
     QStringList queues;  // of the print service
-
-    // Left by the last act.
-    QStringList records;
-    QStringList alerts;
-    int beeps = 0;
+    Effects effects;
 
     /// All that is compared, on one line.
     [[nodiscard]] QString text() const {
@@ -49,21 +50,22 @@ struct PageModel {
                                 << areControlsEnabled << selected << items << "address" << address
                                 << isEditable << isAddressEnabled << "models" << areModelsEnabled << column
                                 << "busy" << isBusy << "fields" << changeText << deSelect << selectedCell
-                                << "file" << file << "beeps" << beeps << "alerts" << alerts << "records"
-                                << records.join(u'|');
+                                << "file" << file << "beeps" << effects.beeps << "alerts" << effects.alerts
+                                << "records" << effects.records.join(u'|');
         return text;
     }
 
     void press(Button button) {
         const auto index = static_cast<int>(button);
-        if (button == Button::Next && (step == Introduction || (step == Page && areControlsEnabled))) {
+        const bool isPageFree = step == Page && areControlsEnabled;
+        if (button == Button::Next && (isPageFree || step == Introduction || step == Summary)) {
             goForward();
-        } else if (button == Button::Back && (step == Summary || (step == Page && areControlsEnabled))) {
+        } else if (button == Button::Back && (isPageFree || step == Summary)) {
             goBack();
-        } else if (button == Button::Refresh && isFormShown() && areControlsEnabled) {
-            records += u"RefreshButtonClicked"_s;
+        } else if (button == Button::Refresh && isPageFree && isBoxShown) {
+            log(u"RefreshButtonClicked"_s);
             startSearch();
-        } else if (button <= Button::Network && step == Page && areControlsEnabled) {
+        } else if (button <= Button::Network && isPageFree) {
             chooseType(index);
         } else if (button >= Button::Kv210 && button <= Button::Kv460 && isFormShown() && areModelsEnabled) {
             column = index - static_cast<int>(Button::Kv210);
@@ -93,27 +95,15 @@ struct PageModel {
             address = text;
             areModelsEnabled = true;
         } else {
-            ++beeps;
+            ++effects.beeps;
         }
     }
 
-    /// What a search does before it waits for printers.
-    void beginSearch() {
-        isSearchStarting = false;
-        records += {u"GetPrinterIPThread"_s, u"GetPrinterIP"_s};
-        isBusy = true;
-        items = QStringList{manualEntry};
-        didSelect(0);
-        areModelsEnabled = false;
-        records += u"Before GetTovikQuazelPrinters"_s;
-    }
-
     void endSearch(const QStringList& printers) {
-        found = printers;
         items = QStringList{manualEntry} + printers;
-        records += {u"After GetTovikQuazelPrinters"_s, u"Total Printer Count is %1"_s.arg(items.size())};
+        log(u"After GetTovikQuazelPrinters|Total Printer Count is %1"_s.arg(items.size()));
         for (const QString& item : items) {
-            records += {u"Found an Item: "_s + item, QString()};
+            log(u"Found an Item: %1|"_s.arg(item));
         }
         didSelect(0);
         isBusy = false;
@@ -129,9 +119,17 @@ struct PageModel {
     [[nodiscard]] bool isManual() const { return item() == manualEntry; }
     [[nodiscard]] QString itemModel() const { return item().section(u' ', 1, 1); }
 
+    /// Records as they stand in the file, with "|" between them.
+    void log(const QString& records) { effects.records += records.split(u'|'); }
+
+    bool refuse(const QString& reason) {
+        effects.alerts += u"Tovik KV Card Printer IP Configuration|%1|Ok"_s.arg(reason);
+        return false;
+    }
+
     void chooseType(int row) {
         type = row;
-        records += u"PrinterTypeClicked %1"_s.arg(row);
+        log(u"PrinterTypeClicked %1"_s.arg(row));
         isBoxShown = row == 1;
         if (isBoxShown) {
             startSearch();
@@ -140,62 +138,61 @@ struct PageModel {
         }
     }
 
+    /// Up to where it waits for printers.
     void startSearch() {
-        isSearchStarting = true;
-        areControlsEnabled = areModelsEnabled = isAddressEnabled = isEditable = false;
-        address.clear();
+        log(u"GetPrinterIPThread|GetPrinterIP"_s);
+        isBusy = true;
+        items = QStringList{manualEntry};
+        didSelect(0);
+        areControlsEnabled = areModelsEnabled = false;
+        log(u"Before GetTovikQuazelPrinters"_s);
     }
 
     void didSelect(qsizetype index) {
         selected = index;
-        records += {u"didSelectIP Event Called"_s, u"didSelectIP modal is "_s + item()};
+        log(u"didSelectIP Event Called|didSelectIP modal is "_s + item());
         isEditable = isAddressEnabled = areModelsEnabled = isManual();
         address = isManual() ? QString() : item().section(u'@', 1);
         column = isManual() ? 0 : models.indexOf(itemModel());
         if (!isManual()) {
-            records += {u"ChangePrinterModelRadioButton "_s + item(), u"$$$$$"_s + address};
+            log(u"ChangePrinterModelRadioButton %1|$$$$$%2"_s.arg(item(), address));
             changeText = true;
             selectedCell = column;
         }
     }
 
     void removeFile() {
-        records += {u"Inside RemoveFile"_s, u"Return from RemoveFile"_s};
+        log(u"Inside RemoveFile|Return from RemoveFile"_s);
         file.clear();
     }
 
     void goForward() {
         if (step == Introduction) {
-            step = Page;
-            records += u"didEnterPane"_s;
-            type = column = 0;
-            isBoxShown = isBusy = isEditable = isAddressEnabled = areModelsEnabled = false;
-            removeFile();
-            records += u"Return from didEnterPane"_s;
-            return;
+            enter();
+        } else if (step == Summary) {
+            step = Closed;
+        } else {
+            log(u"shouldExitPane|shouldExitPane  :: InstallerDirectionForward"_s);
+            if (type == 0 || decide()) {
+                log(u"shouldExitPane  :: Return"_s);
+                step = Summary;
+            }
         }
-        records += {u"shouldExitPane"_s, u"shouldExitPane  :: InstallerDirectionForward"_s};
-        if (type == 0 || decide()) {
-            records += u"shouldExitPane  :: Return"_s;
-            step = Summary;
-        }
+    }
+
+    void enter() {
+        step = Page;
+        log(u"didEnterPane"_s);
+        type = column = 0;
+        isBoxShown = isBusy = isEditable = isAddressEnabled = areModelsEnabled = false;
+        removeFile();
+        log(u"Return from didEnterPane"_s);
     }
 
     void goBack() {
         --step;
-        records += step == Introduction ? QStringList{u"shouldExitPane"_s, u"shouldExitPane  :: Return"_s}
-                                        : QStringList{u"didEnterPane"_s, u"Return from didEnterPane"_s};
-    }
-
-    void line(std::initializer_list<int> numbers, const QString& prefix = {}) {
-        for (const int number : numbers) {
-            records += prefix + u"Line No %1"_s.arg(number);
-        }
-    }
-
-    bool refuse(const QString& reason) {
-        alerts += u"Tovik KV Card Printer IP Configuration|%1|Ok"_s.arg(reason);
-        return false;
+        log(step == Introduction ? u"shouldExitPane|shouldExitPane  :: Return"_s
+                                 : u"didEnterPane|Return from didEnterPane"_s);
     }
 
     [[nodiscard]] static bool isIPv4(const QString& text) {
@@ -207,65 +204,54 @@ struct PageModel {
     }
 
     [[nodiscard]] bool decide() {
-        records += u"Row Value is Here"_s;
-        line({981});
-        records += u" Value is Here "_s + item();
-        line({989});
-        records += u" Value IP is Here "_s + address;
+        log(u"Row Value is Here|Line No 981| Value is Here %1|Line No 989| Value IP is Here %2"_s.arg(
+            item(), address));
         if (isManual() && address.isEmpty()) {
-            line({1000, 1007});
+            log(u"Line No 1000|Line No 1007"_s);
             return refuse(u"Please choose Printer IP or Enter the IP Address to configure"_s);
         }
-        line({1014});
+        log(u"Line No 1014"_s);
         if (!isIPv4(address)) {
             address.clear();
-            ++beeps;
-            line({1026});
+            ++effects.beeps;
+            log(u"Line No 1026"_s);
             return refuse(u"Invalid IP"_s);
         }
-        return isModelRight() && isNew();
+        return isModelRight() && commit();
     }
 
     /// A typed address that occurs in a found line stands for the maker's word, which counts as column 0.
     [[nodiscard]] bool isModelRight() {
-        const bool isKnown = !found.filter(address).isEmpty();
-        for (int look = isManual() && isKnown ? 2 : 1; look > 0; --look) {
-            records += u"IsIPAvalaibleInList"_s;
+        const bool isKnown = !items.filter(address).isEmpty();
+        log(isManual() && isKnown ? u"IsIPAvalaibleInList|IsIPAvalaibleInList"_s : u"IsIPAvalaibleInList"_s);
+        if (!isKnown || column == (isManual() ? 0 : models.indexOf(itemModel()))) {
+            return true;
         }
-        if (isKnown && column != (isManual() ? 0 : models.indexOf(itemModel()))) {
-            changeText = false;
-            deSelect = true;
-            line({1033});
-            return refuse(u"Selected Printer model is "_s + (isManual() ? u"Tovik"_s : itemModel()));
-        }
-        return true;
+        changeText = false;
+        deSelect = true;
+        log(u"Line No 1033"_s);
+        return refuse(u"Selected Printer model is "_s + (isManual() ? u"Tovik"_s : itemModel()));
     }
 
-    [[nodiscard]] bool isNew() {
-        line({1037, 1047});
-        if (item().contains(models.first())) {
-            line({1051});
-        }
-        line({1058});
-        records += u"Validating"_s;
+    [[nodiscard]] bool commit() {
         const QString choice = models.at(column) + u' ' + address;
-        if (!isManual()) {
-            line({1066});
-            records += u"###IP2Configure "_s + choice;
-        }
         const QString queue = u"Tovik-%1-Ethernet-Printer-IP=%2"_s.arg(models.at(column), address);
-        line({isManual() ? 1121 : 1083}, isManual() ? u"!!!"_s : u"####"_s);
-        records += u"CUPS "_s + queue;
-        line({isManual() ? 1124 : 1086}, isManual() ? u"!!!!"_s : u"###"_s);
+        log(itemModel() == models.first()
+                ? u"Line No 1037|Line No 1047|Line No 1051|Line No 1058|Validating"_s
+                : u"Line No 1037|Line No 1047|Line No 1058|Validating"_s);
+        log((isManual() ? u"!!!Line No 1121|CUPS %2|!!!!Line No 1124"_s
+                        : u"Line No 1066|###IP2Configure %1|####Line No 1083|CUPS %2|###Line No 1086"_s)
+                .replace(u"%1"_s, choice)
+                .replace(u"%2"_s, queue));
         if (queues.contains(queue)) {
             return refuse(
-                u"A Printer with this IP Address is already Installed, Please choose another Ethernet "
-                "Printer"_s);
+                u"A Printer with this IP Address is already Installed, Please choose another "
+                "Ethernet Printer"_s);
         }
-        line({isManual() ? 1135 : 1097}, isManual() ? u"---"_s : u"@@@@"_s);
-        records += {u"Writing to Text File"_s, u"writeToTextFile "_s + choice, u"writeToTextFile END"_s};
         file = choice;
-        line({isManual() ? 1138 : 1100}, isManual() ? u"--"_s : u"@@@@"_s);
+        const QString write = u"Writing to Text File|writeToTextFile %1|writeToTextFile END"_s.arg(choice);
+        log((isManual() ? u"---Line No 1135|%1|--Line No 1138"_s : u"@@@@Line No 1097|%1|@@@@Line No 1100"_s)
+                .arg(write));
         return true;
     }
 };
