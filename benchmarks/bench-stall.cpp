@@ -8,11 +8,11 @@
 #include "Installer/PluginLoader.h"
 #include "Installer/SummaryPane.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QComboBox>
 #include <QElapsedTimer>
 #include <QPushButton>
-#include <QAbstractButton>
 #include <QTimer>
 
 #include <algorithm>

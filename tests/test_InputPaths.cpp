@@ -221,14 +221,25 @@ class Desk {
     }
 
     /// Replaces all by way of a preedit; a null text gives it up.
-    void compose(const QString& text) {
+    void compose(
+        const QString& text, const std::function<void()>& meanwhile = [] {}) {
         if (takeFocus(field)) {
             field->selectAll();
             QInputMethodEvent preedit(u"preedit"_s, {});
             QApplication::sendEvent(field, &preedit);
+            meanwhile();
             QInputMethodEvent commit;
             commit.setCommitString(text);
             QApplication::sendEvent(field, &commit);
+        }
+    }
+
+    void deleteByInputMethod() {
+        if (takeFocus(field)) {
+            field->end(false);
+            QInputMethodEvent event;
+            event.setCommitString(QString(), -1, 1);
+            QApplication::sendEvent(field, &event);
         }
     }
 
@@ -391,9 +402,8 @@ const Act acts[]{
      },
      [](PageModel& model, const Choice& choice) {
          model.press(choice.button);
-         const bool isRepeated = choice.button >= Button::Back && choice.second >= Button::Back;
-         if (!isRepeated) {
-             model.press(choice.second);
+         if (choice.button != choice.second || choice.button < Button::Back) {
+             model.press(choice.second);  // The same mnemonic twice would be a double press.
          }
      }},
     {"Space", [](Desk& desk, const Choice& choice) { desk.pressSpace(choice.button); }, press},
@@ -454,6 +464,24 @@ const Act acts[]{
     {"paste over all", [](Desk& desk, const Choice& choice) { desk.paste(choice.text); }, replace},
     {"drop at the end", [](Desk& desk, const Choice& choice) { desk.drop(choice.text); }, append},
     {"compose over all", [](Desk& desk, const Choice& choice) { desk.compose(choice.text); }, replace},
+    {"delete by input method", [](Desk& desk, const Choice&) { desk.deleteByInputMethod(); },
+     [](PageModel& model, const Choice&) {
+         if (!model.address.isEmpty()) {
+             model.edit(model.address.chopped(1));
+         }
+     }},
+    {"compose over all, Refresh by assistance, give it up",
+     [](Desk& desk, const Choice&) {
+         desk.compose(QString(), [&] {
+             desk.assist(Button::Refresh);
+             desk.settle();
+         });
+     },
+     [](PageModel& model, const Choice&) {
+         if (model.isFieldFree()) {
+             model.press(Button::Refresh);
+         }
+     }},
     {"compose over all and give it up", [](Desk& desk, const Choice&) { desk.compose(QString()); }, nothing},
     {"assistive insert",
      [](Desk& desk, const Choice& choice) { desk.accessibleText()->insertText(desk.length(), choice.text); },

@@ -106,6 +106,14 @@ class TestNetworkPrinterConfigPane : public QObject {
         }
     }
 
+    void goesInTheMiddleOfAnEdit() {
+        pane_->contentWidget()->show();
+        QVERIFY(QTest::qWaitForWindowActive(pane_->contentWidget()));
+        pane_->IPAddressText()->setFocus();
+        QTest::keyClick(pane_->IPAddressText(), '1');
+        pane_.reset();  // The sanitizer tells when the end of editing reaches what is left of the page.
+    }
+
     void looksUpModels() {
         QStringList found;  // text: chosen cell and column, by the first match; column by the last match
         pane_->IPAddressText()->setStringValue(u"10.0.0.7"_s);

@@ -55,7 +55,7 @@ class TestPageDiscovery : public QObject {
         std::size_t stackSize = 0;
         ::pthread_getattr_default_np(&attributes);
         ::pthread_attr_getstacksize(&attributes, &stackSize);
-        ::pthread_attr_setstacksize(&attributes, std::size_t(1) << 46);  // More than there are addresses.
+        ::pthread_attr_setstacksize(&attributes, std::size_t(1) << 60);  // More than there are addresses.
         ::pthread_setattr_default_np(&attributes);
         QTest::mouseClick(pane_.RefreshButton(), Qt::LeftButton);
         ::pthread_attr_setstacksize(&attributes, stackSize);

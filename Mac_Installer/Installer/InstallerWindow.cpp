@@ -115,9 +115,8 @@ void InstallerWindow::addStep(InstallerPane* page) {
 
 void InstallerWindow::connectButton(QPushButton* button, void (InstallerWindow::*action)()) {
     connect(button, &QPushButton::clicked, this, [this, button, action] {
-        // A page may have disabled the button since it was pressed, or still be deciding about an earlier
-        // press.
-        if (presses_->takePress() && button->isEnabled() && !leaving_) {
+        // Qt may click a button that a page has disabled meanwhile.
+        if (button->isEnabled() && !leaving_ && presses_->takePress()) {
             (this->*action)();
         }
     });

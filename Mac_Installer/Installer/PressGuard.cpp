@@ -8,7 +8,7 @@
 
 namespace {
 
-/// Keys that press a button; the others of a page may be held down.
+/// Keys that press buttons; others may repeat.
 bool pressesButton(const QKeyEvent& event) {
     const int key = event.key();
     return key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Space ||
@@ -22,12 +22,14 @@ PressGuard::PressGuard(QObject* parent) : QObject(parent) {
 }
 
 bool PressGuard::takePress() {
-    const quint64 pressed = std::exchange(pressed_, 0);
+    const Press press = std::exchange(seen_, {});
     const auto interval = static_cast<quint64>(QApplication::doubleClickInterval());
-    if (pressed != 0 && counted_ != 0 && pressed >= counted_ && pressed - counted_ < interval) {
+    // A clock that was set back, or has wrapped, makes a new press.
+    if (counted_.time != 0 && press.key == counted_.key && press.time >= counted_.time &&
+        press.time - counted_.time < interval) {
         return false;
     }
-    counted_ = pressed;
+    counted_ = press;
     return true;
 }
 
@@ -35,7 +37,7 @@ bool PressGuard::eventFilter(QObject* /*watched*/, QEvent* event) {
     switch (event->type()) {
         case QEvent::MouseButtonPress:
         case QEvent::MouseButtonDblClick:
-            pressed_ = static_cast<QMouseEvent*>(event)->timestamp();
+            seen_ = {0, static_cast<QMouseEvent*>(event)->timestamp()};
             return false;
         case QEvent::ShortcutOverride:
         case QEvent::KeyPress: {
@@ -47,14 +49,14 @@ bool PressGuard::eventFilter(QObject* /*watched*/, QEvent* event) {
                 key->accept();  // An accepted ShortcutOverride triggers no mnemonic.
                 return true;
             }
-            pressed_ = key->timestamp();
+            seen_ = {key->key(), key->timestamp()};
             return false;
         }
         case QEvent::MouseButtonRelease:
         case QEvent::KeyRelease:
             // Once the release has been handled, a click comes from elsewhere.
             QMetaObject::invokeMethod(
-                this, [this] { pressed_ = 0; }, Qt::QueuedConnection);
+                this, [this] { seen_ = {}; }, Qt::QueuedConnection);
             return false;
         default:
             return false;

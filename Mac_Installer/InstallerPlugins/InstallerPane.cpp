@@ -1,6 +1,6 @@
 #include "InstallerPlugins/InstallerPane.h"
 
-#include "InstallerPlugins/ImmediateButton.h"
+#include "InstallerPlugins/ButtonActions.h"
 
 InstallerPane::InstallerPane(QObject* parent) : QObject(parent) {
     makeButtonsImmediate();

@@ -31,6 +31,7 @@ class INSTALLERPLUGINS_EXPORT InstallerPane : public QObject {
     Q_OBJECT
 
   public:
+    /// The first page makes the application's buttons act immediately (ButtonActions.h).
     explicit InstallerPane(QObject* parent = nullptr);
     InstallerPane(const InstallerPane&) = delete;
     InstallerPane& operator=(const InstallerPane&) = delete;

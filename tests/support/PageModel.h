@@ -85,10 +85,12 @@ struct PageModel {
         }
     }
 
+    [[nodiscard]] bool isFieldFree() const { return isFormShown() && isEditable && isAddressEnabled; }
+
     /// The user wants the field to hold `text`.
     void edit(const QString& text) {
         static const QRegularExpression allowed(u"^[0-9.]{0,15}$"_s);
-        if (!isFormShown() || !isEditable || !isAddressEnabled) {
+        if (!isFieldFree()) {
             return;
         }
         if (allowed.match(text).hasMatch()) {

@@ -83,6 +83,7 @@ NetworkPrinterConfigPane::~NetworkPrinterConfigPane() {
     if (discoveryThread_.joinable()) {
         discoveryThread_.join();
     }
+    delete contentWidget();  // Its controls may still signal to this class, such as the end of editing.
 }
 
 void NetworkPrinterConfigPane::makeContent() {

@@ -264,7 +264,7 @@ void NetworkPrinterConfigPane::PrinterModelClicked() {
     systemLog(u"Selected Model Item is %@", {column});
 }
 
-// The list's popping up and the end of editing ask for nothing; they stay connected for what may come.
+// Intentionally empty: connected, but with nothing to do.
 
 void NetworkPrinterConfigPane::ComboBoxGotFocus() {}
 

@@ -3,6 +3,7 @@
 #include "discovery/ModelCatalog.h"
 #include "handoff/DiagnosticLog.h"
 #include "platform/StringFormat.h"
+#include "platform/SystemLog.h"
 
 #include <QElapsedTimer>
 
@@ -22,20 +23,22 @@ std::int32_t g_PrinterAlreadyInstalled = 0;
 namespace {
 
 constexpr const char* seriesAttribute = "PCFileName";
-constexpr int answerLimit = 10'000;  // Milliseconds; after them a print service counts as silent.
-constexpr int slowAnswer = 1'000;    // Milliseconds; a PPD that takes them raises the question again.
+constexpr int answerLimit = 10'000;  // ms; a service that takes longer counts as silent
+constexpr int slowAnswer = 1'000;    // ms; after a PPD that takes longer, the service is checked again
 
 struct PpdCloser {
     void operator()(ppd_file_t* ppd) const { ppdClose(ppd); }
 };
 using Ppd = std::unique_ptr<ppd_file_t, PpdCloser>;
 
-/// Whether the default server takes connections and does not answer. libcups would wait for minutes then, as
-/// nothing sets a limit on its default connection; this asks on a connection of its own.
+/// Whether the default server fails to accept a connection, or to answer on it, within answerLimit. libcups
+/// has no such limit for its default connection and would wait for minutes; this asks on a connection of its
+/// own.
 bool isServiceSilent() {
     QElapsedTimer timer;
     timer.start();
-    // Unencrypted, as a handshake can't be limited either; a refusal is an answer.
+    // Unencrypted, as a handshake has no limit either; a server that demands encryption refuses, which is an
+    // answer.
     const std::unique_ptr<http_t, decltype(&httpClose)> service(
         httpConnect2(cupsServer(), ippPort(), nullptr, AF_UNSPEC, HTTP_ENCRYPTION_NEVER, 1, answerLimit,
                      nullptr),
@@ -53,7 +56,11 @@ bool isServiceSilent() {
 class PrintService {
   public:
     PrintService()
-        : isSilent_(isServiceSilent()), count_(isSilent_ ? 0 : cupsGetDests2(CUPS_HTTP_DEFAULT, &list_)) {}
+        : isSilent_(isServiceSilent()), count_(isSilent_ ? 0 : cupsGetDests2(CUPS_HTTP_DEFAULT, &list_)) {
+        if (isSilent_) {
+            systemLog(u"The print service does not answer; its queues are not checked");
+        }
+    }
     PrintService(const PrintService&) = delete;
     PrintService& operator=(const PrintService&) = delete;
     ~PrintService() { cupsFreeDests(count_, list_); }

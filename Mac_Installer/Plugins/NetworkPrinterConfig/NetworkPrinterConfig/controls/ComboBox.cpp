@@ -1,6 +1,6 @@
 #include "NetworkPrinterConfig/controls/ComboBox.h"
 
-#include "InstallerPlugins/ImmediateButton.h"
+#include "InstallerPlugins/ButtonActions.h"
 
 #include <QSignalBlocker>
 #include <QWheelEvent>

@@ -33,6 +33,8 @@ RadioMatrix::RadioMatrix(QWidget* parent)
     : QWidget(parent), grid_(new QGridLayout(this)), group_(new QButtonGroup(this)) {
     grid_->setContentsMargins(0, 0, 0, 0);
     grid_->setVerticalSpacing(2);
+    // A selection may come without a click (an assistive "Toggle"); a click on the selected cell selects
+    // nothing.
     connect(group_, &QButtonGroup::idToggled, this, [this](int /*index*/, bool isSelected) {
         keepTabStopOnSelection();
         if (isSelected && !isSelecting_) {

@@ -14,7 +14,7 @@ class RadioMatrix : public QWidget {
     Q_OBJECT
     /// The cells' labels with their mnemonics, row by row. For the form; set once, after the columns.
     Q_PROPERTY(QStringList cells READ cells WRITE setCells)
-    /// A sentence below each cell. For the form; set once, after the cells.
+    /// A sentence below each cell, at most as many as cells. For the form; set once, after the cells.
     Q_PROPERTY(QStringList descriptions READ descriptions WRITE setDescriptions)
 
   public:
@@ -33,7 +33,7 @@ class RadioMatrix : public QWidget {
     /// Selects a cell, which deselects the one that was. Does nothing for a place without a cell.
     void selectCellAtRow(int row, int column) { setState(1, row, column); }
 
-    /// Switches a cell on (1) or off (0).
+    /// Switches a cell on (1) or off (0); the selected cell stays on until another is selected.
     void setState(int state, int row, int column);
 
     /// The buttons, row by row.

@@ -1,6 +1,6 @@
 #include "NetworkPrinterConfig/controls/TextField.h"
 
-#include "InstallerPlugins/ImmediateButton.h"
+#include "InstallerPlugins/ButtonActions.h"
 
 #include <QEvent>
 #include <QInputMethodEvent>
@@ -18,10 +18,12 @@ class TextField::Guard : public QValidator {
 
     State validate(QString& text, int& cursor) const override {
         if (field_->isProgram_ || text == field_->accepted_) {
-            return Acceptable;  // Nobody's edit; the line edit asks again when the focus leaves it.
+            verdict = Acceptable;  // Not an edit: the line edit also validates when it loses the focus.
+        } else if (!field_->isEditable() || !isOperable(field_)) {
+            verdict = Invalid;
+        } else {
+            verdict = formatter != nullptr ? formatter->validate(text, cursor) : Acceptable;
         }
-        const bool isLocked = !field_->isEditable() || !isOperable(field_);
-        verdict = isLocked ? Invalid : formatter ? formatter->validate(text, cursor) : Acceptable;
         return verdict;
     }
 
@@ -35,17 +37,14 @@ class TextField::Guard : public QValidator {
 TextField::TextField(QWidget* parent) : QLineEdit(parent), guard_(new Guard(this)) {
     keepPlaceholderReadable();
     setValidator(guard_);
-    connect(this, &QLineEdit::textChanged, this, [this] {
-        if (!isComposing_) {
-            acceptOrUndo();
-        }
-    });
+    connect(this, &QLineEdit::textChanged, this, &TextField::followChange);
     connect(this, &QLineEdit::editingFinished, this, &TextField::endEditing);
 }
 
 void TextField::setStringValue(const QString& text) {
     const QScopedValueRollback guard(isProgram_, true);
     setText(text);
+    accepted_ = text;
 }
 
 QString TextField::stringValue() const {
@@ -62,20 +61,29 @@ void TextField::setFormatter(QValidator* formatter) {
     guard_->formatter = formatter;
 }
 
-void TextField::acceptOrUndo() {
-    if (isProgram_) {
-        accepted_ = text();
-    } else if (std::exchange(guard_->verdict, QValidator::Acceptable) == QValidator::Invalid) {
-        setStringValue(accepted_);
-    } else {
-        accepted_ = text();
-        if (!std::exchange(isBeingEdited_, true)) {
-            emit didBeginEditing();
-        }
-        if (!hasFocus()) {
-            endEditing();
-        }
+void TextField::followChange() {
+    if (isProgram_ || isComposing_) {
+        return;
     }
+    if (guard_->verdict == QValidator::Invalid) {
+        undo();
+    } else {
+        accept();
+    }
+}
+
+void TextField::accept() {
+    accepted_ = text();
+    if (!std::exchange(isBeingEdited_, true)) {
+        emit didBeginEditing();
+    }
+    if (!hasFocus()) {
+        endEditing();
+    }
+}
+
+void TextField::undo() {
+    setStringValue(accepted_);
 }
 
 void TextField::endEditing() {
@@ -83,19 +91,22 @@ void TextField::endEditing() {
     emit didEndEditing();
 }
 
-/// An input method shows its preedit in place of the selected text, which it deletes as an edit of its own.
-/// It becomes an edit of ours with the commit, or never.
+/// An input method shows its preedit in place of the selected text, which QLineEdit deletes as an edit of its
+/// own. Only a commit, or a replacement of the text around it, counts as an edit.
 void TextField::inputMethodEvent(QInputMethodEvent* event) {
     guard_->verdict = QValidator::Acceptable;
     {
         const QScopedValueRollback guard(isComposing_, true);
         QLineEdit::inputMethodEvent(event);
     }
-    const bool isCommitted = !event->commitString().isEmpty() && guard_->verdict == QValidator::Acceptable;
-    const bool isOver = event->preeditString().isEmpty();
-    if ((isCommitted || isOver) && text() != accepted_) {
-        guard_->verdict = isCommitted ? QValidator::Acceptable : QValidator::Invalid;
-        acceptOrUndo();
+    if (text() == accepted_) {
+        return;
+    }
+    const bool isEdit = !event->commitString().isEmpty() || event->replacementLength() > 0;
+    if (isEdit && guard_->verdict == QValidator::Acceptable) {
+        accept();
+    } else if (event->preeditString().isEmpty()) {
+        undo();
     }
 }
 

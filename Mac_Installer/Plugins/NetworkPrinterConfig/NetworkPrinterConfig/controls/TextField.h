@@ -1,8 +1,9 @@
 // A line of text that a formatter guards, and that tells when the user begins and ends editing it.
 //
 // Every change that the program does not make itself counts as an edit, by keys, paste, drop, input method or
-// an assistive program: the formatter sees the whole text that it would leave, a refused edit changes
-// nothing, and a field that is locked (not editable, disabled, hidden or behind an alert) stays as it is.
+// an assistive program: the formatter sees the whole text that it would leave, a refused edit leaves
+// the old text, and a field that is locked (not editable, disabled, hidden or behind an alert) stays as it
+// is.
 
 #pragma once
 
@@ -44,7 +45,9 @@ class TextField : public QLineEdit {
     class Guard;
 
     void keepPlaceholderReadable();
-    void acceptOrUndo();
+    void followChange();
+    void accept();
+    void undo();
     void endEditing();
 
     Guard* guard_;

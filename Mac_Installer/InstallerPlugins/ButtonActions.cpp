@@ -1,4 +1,4 @@
-#include "InstallerPlugins/ImmediateButton.h"
+#include "InstallerPlugins/ButtonActions.h"
 
 #include <QAbstractButton>
 #include <QAccessibleWidget>
@@ -16,12 +16,14 @@ class MnemonicFilter : public QObject {
     bool eventFilter(QObject* watched, QEvent* event) override {
         auto* const button =
             event->type() == QEvent::Shortcut ? qobject_cast<QAbstractButton*>(watched) : nullptr;
-        // An ambiguous mnemonic only moves the focus.
+        // An ambiguous mnemonic only moves the focus, which is Qt's to do.
         if (button == nullptr || static_cast<QShortcutEvent*>(event)->isAmbiguous()) {
             return false;
         }
         if (isOperable(button)) {
-            button->setFocus(Qt::ShortcutFocusReason);
+            if (button->isCheckable()) {
+                button->setFocus(Qt::ShortcutFocusReason);  // As Qt does: the arrow keys go on from there.
+            }
             button->click();
         }
         return true;
@@ -64,16 +66,22 @@ class ButtonInterface : public QAccessibleWidget {
         return names;
     }
 
+    /// Posted: the caller waits for the answer, which must not take as long as an alert stands.
     void doAction(const QString& name) override {
-        if (!isOperable(widget())) {
-            return;
-        }
-        if (name == toggleAction()) {
-            button()->toggle();
-        } else if (name == pressAction()) {
-            button()->click();
-        } else {
-            QAccessibleWidget::doAction(name);
+        const auto act = [button = button(), name] {
+            if (!isOperable(button)) {
+                return;
+            }
+            if (name == toggleAction()) {
+                button->toggle();
+            } else if (name == pressAction()) {
+                button->click();
+            } else if (name == setFocusAction()) {
+                button->setFocus(Qt::OtherFocusReason);
+            }
+        };
+        if (isOperable(button())) {
+            QMetaObject::invokeMethod(button(), act, Qt::QueuedConnection);
         }
     }
 
