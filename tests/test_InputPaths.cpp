@@ -585,6 +585,9 @@ class TestInputPaths : public QObject {
 
   private slots:
     void anActHasItsWholeEffectOrNone() {
+        if (!qEnvironmentVariableIsSet("RC_PARAMS")) {
+            qputenv("RC_PARAMS", "max_success=250");  // About 7,000 acts.
+        }
         const SystemLogCapture systemLog;
         QVERIFY(rc::check("an act has its whole effect or none", [this] {
             Desk desk(home_);
