@@ -30,8 +30,6 @@ class InstallerWindow : public QDialog {
     InstallerWindow& operator=(const InstallerWindow&) = delete;
     ~InstallerWindow() override;
 
-    [[nodiscard]] int currentStep() const { return current_; }
-
     /// Takes a comfortable size, but none larger than the screen.
     void resizeToScreen();
 

@@ -1,6 +1,6 @@
 #include "Installer/SummaryPane.h"
 
-#include "Installer/DocumentsFolder.h"
+#include "Installer/HandOffFolder.h"
 
 #include <QFile>
 #include <QLabel>
@@ -10,7 +10,7 @@ namespace {
 
 /// The hand-off line, or null when there is none.
 QString handedOverLine() {
-    QFile file(documentsFolder() + QStringLiteral("/KV.txt"));
+    QFile file(handOffFolder() + QStringLiteral("/KV.txt"));
     if (!file.open(QIODevice::ReadOnly)) {
         return {};
     }

@@ -1,6 +1,6 @@
 // quazel-installer: loads the pages, shows the window.
 
-#include "Installer/DocumentsFolder.h"
+#include "Installer/HandOffFolder.h"
 #include "Installer/InstallerWindow.h"
 #include "Installer/IntroductionPane.h"
 #include "Installer/PluginLoader.h"
@@ -47,7 +47,7 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
 }
 
 int runInstaller(const QString& pluginFolder) {
-    const QString problem = prepareDocumentsFolder();
+    const QString problem = prepareHandOffFolder();
     if (!problem.isNull()) {
         complain(problem);
     }

@@ -32,7 +32,6 @@
 #include <memory>
 #include <stop_token>
 #include <thread>
-#include <vector>
 
 class NetworkPrinterConfigPane : public InstallerPane {
     Q_OBJECT
@@ -112,8 +111,7 @@ class NetworkPrinterConfigPane : public InstallerPane {
     [[nodiscard]] QGroupBox* PrinterModelBox() const { return PrinterModelBox_.load(); }
     [[nodiscard]] QGroupBox* PrinterIPBox() const { return PrinterIPBox_.load(); }
     [[nodiscard]] RadioMatrix* radiobtnPrinterModel() const { return radiobtnPrinterModel_.load(); }
-    /// The text that stands for the chosen printer's model while the decision to leave is made; not a durable
-    /// store: it is null again once the text's owner has let go of it.
+    /// The text that stands for the chosen printer's model during shouldExitPane, which clears it at its end.
     [[nodiscard]] QString g_selectedPrinterModel() const { return g_selectedPrinterModel_.load(); }
     [[nodiscard]] QPushButton* RefreshButton() const { return RefreshButton_.load(); }
     /// Whether an item of the list was chosen, so that its address goes into the text field.
@@ -122,16 +120,18 @@ class NetworkPrinterConfigPane : public InstallerPane {
     /// The model column, 0 to 3, last taken from a chosen item.
     [[nodiscard]] qint64 g_SelectedCell() const { return g_SelectedCell_; }
 
-    void setPrinterIP(ComboBox* control);
-    void setRadiobtnPrinterType(RadioMatrix* control);
-    void setPrinterIPInfoBox(QGroupBox* control);
-    void setProgress(ProgressIndicator* control);
-    void setIPAddressText(TextField* control);
-    void setPrinterModelBox(QGroupBox* control);
-    void setPrinterIPBox(QGroupBox* control);
-    void setRadiobtnPrinterModel(RadioMatrix* control);
-    void setG_selectedPrinterModel(const std::shared_ptr<const QString>& text);
-    void setRefreshButton(QPushButton* control);
+    void setPrinterIP(ComboBox* control) { PrinterIP_.store(control); }
+    void setRadiobtnPrinterType(RadioMatrix* control) { radiobtnPrinterType_.store(control); }
+    void setPrinterIPInfoBox(QGroupBox* control) { PrinterIPInfoBox_.store(control); }
+    void setProgress(ProgressIndicator* control) { Progress_.store(control); }
+    void setIPAddressText(TextField* control) { IPAddressText_.store(control); }
+    void setPrinterModelBox(QGroupBox* control) { PrinterModelBox_.store(control); }
+    void setPrinterIPBox(QGroupBox* control) { PrinterIPBox_.store(control); }
+    void setRadiobtnPrinterModel(RadioMatrix* control) { radiobtnPrinterModel_.store(control); }
+    void setG_selectedPrinterModel(const std::shared_ptr<const QString>& text) {
+        g_selectedPrinterModel_.store(text);
+    }
+    void setRefreshButton(QPushButton* control) { RefreshButton_.store(control); }
     void setG_ChangeTextBoxText(bool value) { g_ChangeTextBoxText_ = value; }
     void setG_deSelectCell(bool value) { g_deSelectCell_ = value; }
     void setG_SelectedCell(qint64 column) { g_SelectedCell_ = column; }
@@ -144,7 +144,6 @@ class NetworkPrinterConfigPane : public InstallerPane {
     // Lifecycle
     void makeContent();
     void connectOutlets();
-    [[nodiscard]] std::shared_ptr<const QString> keepUntilEventEnds(const QString& text);
     void tellThePerson(const QString& informativeText);
     static void giveFocusTo(QWidget* control);
 
@@ -159,6 +158,7 @@ class NetworkPrinterConfigPane : public InstallerPane {
 
     // Exit
     [[nodiscard]] bool mayGoForward();
+    void selectPrinterModel(const QString& model);
     [[nodiscard]] bool isAnythingGiven(const QString& item, const QString& address);
     [[nodiscard]] bool isAddressValid(const QString& address);
     [[nodiscard]] bool commitListChoice(const QString& item, const QString& model);
@@ -179,7 +179,7 @@ class NetworkPrinterConfigPane : public InstallerPane {
     bool g_deSelectCell_ = false;
     qint64 g_SelectedCell_ = 0;
 
-    std::vector<std::shared_ptr<const QString>> textsOfThisEvent_;  // owners behind g_selectedPrinterModel
+    std::shared_ptr<const QString> modelOfDecision_;  // owner behind g_selectedPrinterModel
     MainThreadGate gate_;
     std::stop_source leaving_;
     std::thread discoveryThread_;

@@ -56,11 +56,17 @@ QString queueKey(const QString& model, const QString& address) {
 
 bool NetworkPrinterConfigPane::shouldExitPane(InstallerDirection direction) {
     tDebugPrint("shouldExitPane\n");
-    if (direction == InstallerDirectionForward && !mayGoForward()) {
-        return false;
+    const bool mayLeave = direction != InstallerDirectionForward || mayGoForward();
+    selectPrinterModel({});
+    if (mayLeave) {
+        tDebugPrint("shouldExitPane  :: Return\n");
     }
-    tDebugPrint("shouldExitPane  :: Return\n");
-    return true;
+    return mayLeave;
+}
+
+void NetworkPrinterConfigPane::selectPrinterModel(const QString& model) {
+    modelOfDecision_ = model.isNull() ? nullptr : std::make_shared<const QString>(model);
+    setG_selectedPrinterModel(modelOfDecision_);
 }
 
 bool NetworkPrinterConfigPane::mayGoForward() {
@@ -135,7 +141,7 @@ bool NetworkPrinterConfigPane::ValidateSelectedIPAndModel() {
     } else {
         model = item.split(QLatin1Char(' ')).value(1);
     }
-    setG_selectedPrinterModel(model.isNull() ? nullptr : keepUntilEventEnds(model));
+    selectPrinterModel(model);
     systemLog(u"ValidateSelectedIPAndModel is %@", {model});
     if (model.isNull()) {
         systemLog(u"Empty String Return");

@@ -175,17 +175,6 @@ void NetworkPrinterConfigPane::giveFocusTo(QWidget* control) {
     }
 }
 
-/// Gives a text an owner that lets go of it as soon as the program is back in an event loop, that of an
-/// alert included: long enough for the look-up that made it, and no longer.
-std::shared_ptr<const QString> NetworkPrinterConfigPane::keepUntilEventEnds(const QString& text) {
-    if (textsOfThisEvent_.empty()) {
-        QMetaObject::invokeMethod(
-            this, [this] { textsOfThisEvent_.clear(); }, Qt::QueuedConnection);
-    }
-    textsOfThisEvent_.push_back(std::make_shared<const QString>(text));
-    return textsOfThisEvent_.back();
-}
-
 void NetworkPrinterConfigPane::RemoveFile() {
     ::RemoveFile();
 }
@@ -196,44 +185,4 @@ void NetworkPrinterConfigPane::writeToTextFile(const QString& line) {
 
 QString NetworkPrinterConfigPane::GetFileData(const QString& path) {
     return ::GetFileData(path);
-}
-
-void NetworkPrinterConfigPane::setPrinterIP(ComboBox* control) {
-    PrinterIP_.store(control);
-}
-
-void NetworkPrinterConfigPane::setRadiobtnPrinterType(RadioMatrix* control) {
-    radiobtnPrinterType_.store(control);
-}
-
-void NetworkPrinterConfigPane::setPrinterIPInfoBox(QGroupBox* control) {
-    PrinterIPInfoBox_.store(control);
-}
-
-void NetworkPrinterConfigPane::setProgress(ProgressIndicator* control) {
-    Progress_.store(control);
-}
-
-void NetworkPrinterConfigPane::setIPAddressText(TextField* control) {
-    IPAddressText_.store(control);
-}
-
-void NetworkPrinterConfigPane::setPrinterModelBox(QGroupBox* control) {
-    PrinterModelBox_.store(control);
-}
-
-void NetworkPrinterConfigPane::setPrinterIPBox(QGroupBox* control) {
-    PrinterIPBox_.store(control);
-}
-
-void NetworkPrinterConfigPane::setRadiobtnPrinterModel(RadioMatrix* control) {
-    radiobtnPrinterModel_.store(control);
-}
-
-void NetworkPrinterConfigPane::setG_selectedPrinterModel(const std::shared_ptr<const QString>& text) {
-    g_selectedPrinterModel_.store(text);
-}
-
-void NetworkPrinterConfigPane::setRefreshButton(QPushButton* control) {
-    RefreshButton_.store(control);
 }

@@ -247,7 +247,7 @@ bool NetworkPrinterConfigPane::IsIPAvalaibleInList(const QString& address) {
         systemLog(u"IsIPAvalaibleInList IP Is %@", {line});
         found = containsString(line, address);
         if (found) {
-            setG_selectedPrinterModel(keepUntilEventEnds(line.left(wordLength)));
+            selectPrinterModel(line.left(wordLength));
             break;
         }
     }

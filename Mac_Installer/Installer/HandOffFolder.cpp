@@ -1,21 +1,21 @@
-#include "Installer/DocumentsFolder.h"
+#include "Installer/HandOffFolder.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QStandardPaths>
 
-QString documentsFolder() {
+QString handOffFolder() {
     return QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
 }
 
-QString prepareDocumentsFolder() {
-    const QString folder = documentsFolder();
+QString prepareHandOffFolder() {
+    const QString folder = handOffFolder();
     if (!folder.isEmpty() && QDir().mkpath(folder) && QFileInfo(folder).isWritable()) {
         return {};
     }
     return QCoreApplication::translate(
-               "DocumentsFolder",
+               "HandOffFolder",
                "The folder %1 can't be written to. The choices made here would not reach the "
                "later steps of the installation. Make the folder writable, then start again.")
         .arg(folder);

@@ -6,8 +6,8 @@
 #include <QString>
 
 /// Path of the folder; it need not exist.
-[[nodiscard]] QString documentsFolder();
+[[nodiscard]] QString handOffFolder();
 
 /// Creates the folder when it is missing. Returns null when the installation can be carried out with it,
 /// otherwise a sentence for the person that says what is wrong.
-[[nodiscard]] QString prepareDocumentsFolder();
+[[nodiscard]] QString prepareHandOffFolder();
