@@ -6,6 +6,8 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QShortcutEvent>
+#include <QStyle>
+#include <QStyleOptionButton>
 
 namespace {
 
@@ -46,6 +48,19 @@ class ButtonInterface : public QAccessibleWidget {
             return button()->shortcut().toString(QKeySequence::NativeText);
         }
         return QAccessibleWidget::text(kind);
+    }
+
+    /// Only the part of a radio button that can be clicked.
+    [[nodiscard]] QRect rect() const override {
+        if (role() != QAccessible::RadioButton || !widget()->isVisible()) {
+            return QAccessibleWidget::rect();
+        }
+        QStyleOptionButton option;
+        option.initFrom(widget());
+        option.text = button()->text();
+        const QRect part =
+            widget()->style()->subElementRect(QStyle::SE_RadioButtonClickRect, &option, widget());
+        return part.translated(widget()->mapToGlobal(QPoint()));
     }
 
     [[nodiscard]] QAccessible::State state() const override {
