@@ -1,5 +1,5 @@
 // The installed-printer check against a bare loop of the same libcups calls, on the queues of CUPS_SERVER
-// (see tools/private-cupsd and tools/many-queues). HOME and TMPDIR are folders of the caller's.
+// (see tools/private-cupsd). HOME and TMPDIR are folders of the caller's.
 
 #include "discovery/InstalledPrinters.h"
 

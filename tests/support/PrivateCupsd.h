@@ -8,9 +8,11 @@
 #include <QFile>
 #include <QMap>
 
-#include <chrono>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <csignal>
-#include <thread>
 
 /// Runs a cupsd as long as it lives, and points this process's CUPS calls to it. Made before the first of
 /// them.
@@ -31,12 +33,19 @@ class PrivateCupsd {
         qputenv("CUPS_SERVER", folder_.filePath(QStringLiteral("cups.sock")).toUtf8());
         qputenv("CUPS_SERVERROOT", folder_.filePath(QStringLiteral("etc")).toUtf8());
         qputenv("TMPDIR", folder_.filePath(QStringLiteral("tmp")).toUtf8());
-        process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        process_.start(
-            sourcePath(QStringLiteral("tools/private-cupsd")),
-            {folder_.path(), QStringLiteral("sh"), QStringLiteral("-c"), QStringLiteral("echo ready; cat")});
-        if (!process_.waitForReadyRead(40'000) || process_.readLine() != "ready\n") {
-            qFatal("the print service does not get ready");
+        process_.setProcessChannelMode(QProcess::ForwardedChannels);
+        // It ends with this process, also when that is killed.
+        process_.setChildProcessModifier([test = ::getpid()] {
+            ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+            if (::getppid() != test) {
+                ::_exit(1);
+            }
+        });
+        process_.start(sourcePath(QStringLiteral("tools/private-cupsd")), {folder_.path()});
+        for (int tries = 0; !QFile::exists(qEnvironmentVariable("CUPS_SERVER")); ++tries) {
+            if (tries == 1000 || process_.waitForFinished(10)) {
+                qFatal("the print service does not get ready");
+            }
         }
     }
     PrivateCupsd(const PrivateCupsd&) = delete;
@@ -48,13 +57,9 @@ class PrivateCupsd {
 
     /// Returns when it no longer listens. Any thread.
     void stop() {
-        ::kill(static_cast<pid_t>(process_.processId()), SIGTERM);
-        for (int tries = 0; QFile::exists(folder_.filePath(QStringLiteral("cups.sock"))); ++tries) {
-            if (tries == 1000) {
-                qFatal("the print service does not stop");
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        }
+        process_.kill();
+        siginfo_t ended;
+        ::waitid(P_PID, static_cast<id_t>(process_.processId()), &ended, WEXITED | WNOWAIT);
     }
 
     [[nodiscard]] QString ppdPath(const QString& queue) const {
