@@ -1,7 +1,8 @@
 """A scripted user of a Qt program.
 
 Finds controls by the role and the name that the program offers to assistive technology (AT-SPI), and works them with
-real key and mouse events (xdotool). Runs inside "desktop", with Debian's own Python: /usr/bin/python3.
+real key and mouse events (xdotool). Runs inside "desktop", with Debian's own Python: /usr/bin/python3. What is not as
+expected is an AssertionError.
 """
 
 import os
@@ -20,10 +21,6 @@ warnings.filterwarnings("ignore", category=DeprecationWarning)
 Atspi.set_timeout(2000, 10000)
 
 SCALE = float(os.environ.get("QT_SCALE_FACTOR", "1"))
-
-
-class WalkError(Exception):
-    """The program did not show or do what the scripted user expected."""
 
 
 def children(node):
@@ -68,8 +65,6 @@ class Walk:
         self.process.kill()
         self.process.wait()
 
-    # --- seeing ----------------------------------------------------------------------------------------------------
-
     def application(self):
         """The program's root node, or None while it is not there."""
         return next((app for app in children(Atspi.get_desktop(0)) if app.get_process_id() == self.process.pid), None)
@@ -102,20 +97,13 @@ class Walk:
             time.sleep(0.03)
         ended = self.process.poll()
         gone = "" if ended is None else f" (the program has ended with {ended}; see output.txt)"
-        raise WalkError(f"{what}: not so within {timeout} s{gone}\n{self.dump()}")
+        raise AssertionError(f"{what}: not so within {timeout} s{gone}")
 
     def wait_state(self, node, state):
         self.wait_for(lambda: has(node, state), f"{name(node)!r} to be {state}")
 
     def wait_gone(self, node):
         self.wait_for(lambda: not has(node, "showing"), f"{name(node)!r} to go away")
-
-    def expect(self, condition, otherwise):
-        if not condition:
-            raise WalkError(f"{otherwise}\n{self.dump()}")
-
-    def expect_equal(self, what, found, expected):
-        self.expect(found == expected, f"{what}: expected {expected!r}, found {found!r}")
 
     def dump(self):
         """What is showing, for messages."""
@@ -137,10 +125,9 @@ class Walk:
 
         def steady():
             last.append(self.extents(node))
-            return len(last) > 1 and last[-1] == last[-2] and min(last[-1][2:]) > 0
+            return last[-1] if last[-1:] == last[-2:-1] and min(last[-1][2:]) > 0 else None
 
-        self.wait_for(steady, f"{name(node)!r} to stand still")
-        return last[-1]
+        return self.wait_for(steady, f"{name(node)!r} to stand still")
 
     def pixels(self, node):
         x, y, width, height = self.extents(node)
@@ -150,8 +137,6 @@ class Walk:
     def picture(file):
         """Everything on the screen, without the empty part around it."""
         run("import", "-quiet", "-window", "root", "-trim", "+repage", str(file))
-
-    # --- doing -----------------------------------------------------------------------------------------------------
 
     def click(self, node):
         """Clicks the middle of the node once it is enabled and stands still."""
@@ -168,17 +153,17 @@ class Walk:
         """Presses keys one after another: "Return", "alt+n"."""
         run("xdotool", "key", "--delay", "5", "--", *keys)
 
-    def tab_to(self, node, what):
+    def tab_to(self, node):
         for _ in range(15):
             if has(node, "focused"):
                 return
             self.key("Tab")
             time.sleep(0.1)  # For the focus to arrive and to be told.
-        raise WalkError(f"the Tab key does not reach {what}\n{self.dump()}")
+        raise AssertionError(f"the Tab key does not reach {name(node)!r}")
 
     def wait_exit(self, timeout=10):
         """The program's exit status, waited for."""
         try:
             return self.process.wait(timeout)
         except subprocess.TimeoutExpired:
-            raise WalkError(f"the program does not end\n{self.dump()}") from None
+            raise AssertionError("the program does not end") from None
