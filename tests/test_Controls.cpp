@@ -1,6 +1,6 @@
-// The page's own controls, apart from what a user does with them (test_InputPaths).
+// The page's controls and input checks, apart from what a user does with them (test_InputPaths).
 
-#include "NetworkPrinterConfig/controls/ComboBox.h"
+#include "NetworkPrinterConfig/IPAddressTextValidator.h"
 #include "NetworkPrinterConfig/controls/RadioMatrix.h"
 #include "support/TestMain.h"
 
@@ -10,73 +10,40 @@
 #include <QTest>
 
 #include <algorithm>
-#include <cmath>
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-/// Relative luminance as in WCAG 2.1.
-double luminance(const QColor& colour) {
-    const auto linear = [](float part) {
-        return part <= 0.03928F ? part / 12.92F : std::pow((part + 0.055F) / 1.055F, 2.4F);
-    };
-    return 0.2126F * linear(colour.redF()) + 0.7152F * linear(colour.greenF()) +
-           0.0722F * linear(colour.blueF());
-}
-
-double contrast(const QColor& one, const QColor& other) {
-    const auto [darker, lighter] = std::minmax({luminance(one), luminance(other)});
-    return (lighter + 0.05) / (darker + 0.05);
-}
-
-}  // namespace
 
 class TestControls : public QObject {
     Q_OBJECT
 
   private slots:
-    void fillingAListIsNoSelection() {
-        ComboBox list;
-        QStringList told;  // what is selected, each time that it is told
-        connect(&list, &ComboBox::selectionDidChange, this,
-                [&] { told += list.objectValueOfSelectedItem(); });
-        list.addItemWithObjectValue(u"first"_s);
-        QVERIFY(list.objectValueOfSelectedItem().isNull());
-        list.selectItemAtIndex(0);
-        list.selectItemAtIndex(0);
-        list.addItemsWithObjectValues({u"second"_s, u""_s});
-        QCOMPARE(list.objectValueOfSelectedItem(), u"first"_s);
-        list.selectItemAtIndex(2);
-        QVERIFY(!list.objectValueOfSelectedItem().isNull());  // An empty item is not none.
-        list.removeAllItems();
-        QVERIFY(list.objectValueOfSelectedItem().isNull());
-        QCOMPARE(told.join(u'|'), u"first|"_s);
+    void knowsAddresses() {
+        const IPAddressTextValidator validator;
+        QVERIFY(!validator.validate(QString()));
+        // The end anchor also stands before one line end of any kind, which other engines do not do.
+        for (const QString& text : {u""_s, u"0.0.0.0"_s, u"255.255.255.255"_s, u"192.168.001.010"_s,
+                                    u"1.2.3.4\n"_s, u"1.2.3.4\r\n"_s, u"1.2.3.4\u2028"_s}) {
+            QVERIFY2(validator.validate(text), qPrintable(text));
+        }
+        for (const QString& text :
+             {u"256.1.1.1"_s, u"1.2.3.260"_s, u"1.2.3"_s, u"1.2.3.4.5"_s, u"1..2.3"_s, u"1a2a3a4"_s,
+              u" 1.2.3.4"_s, u"1.2.3.4 "_s, u"1.2.3.\u0664"_s, u"1.2.3.4\n\n"_s, u"1.2.3.4\n1.2.3.4"_s}) {
+            QVERIFY2(!validator.validate(text), qPrintable(text));
+        }
     }
 
-    void anUncheckedCircleStandsOutFromTheWindow_data() {
-        QTest::addColumn<QColor>("window");
-        QTest::addColumn<QColor>("text");
-        QTest::addColumn<double>("least");
-        QTest::newRow("dark") << QColor(32, 35, 38) << QColor(252, 252, 252) << 3.0;
-        QTest::newRow("black") << QColor(Qt::black) << QColor(Qt::white) << 3.0;
-        QTest::newRow("light, as the style draws it") << QColor(239, 240, 241) << QColor(Qt::black) << 2.0;
-    }
-    void anUncheckedCircleStandsOutFromTheWindow() {
-        QFETCH(QColor, window);
-        QFETCH(QColor, text);
-        QFETCH(double, least);
+    void anUncheckedCircleStandsOutFromADarkWindow() {
         QApplication::setStyle(u"Fusion"_s);
-        QPalette palette(text, window, text, window, window, text, window);
+        const QColor window(32, 35, 38);
         RadioMatrix matrix;
-        matrix.setPalette(palette);
+        matrix.setPalette(QPalette(Qt::white, window, Qt::white, window, window, Qt::white, window));
         matrix.setCells({u"x"_s});
         const QImage picture = matrix.cellAt(0, 0)->grab().toImage();
-        double best = 1;
+        int lightest = 0;
         for (int x = 0; x < 16; ++x) {  // Across the circle.
-            best = std::max(best, contrast(picture.pixelColor(x, picture.height() / 2), window));
+            lightest = std::max(lightest, picture.pixelColor(x, picture.height() / 2).lightness());
         }
-        QVERIFY2(best >= least, qPrintable(QString::number(best)));
+        QVERIFY2(lightest > 110, qPrintable(QString::number(lightest)));  // A contrast of 3 in WCAG 2.1.
     }
 };
 

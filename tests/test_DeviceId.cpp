@@ -1,68 +1,64 @@
-// The device id in a reply: found, cut and split, whatever the bytes around it are.
+// The device id in a reply: found, cut and split, whatever the bytes around it are; and which model texts in
+// it are the series'.
 
 #include "discovery/DeviceId.h"
+#include "discovery/ModelCatalog.h"
 #include "support/TestMain.h"
 
 #include <QTest>
-
-namespace {
-
-std::optional<DeviceIdText> find(const QByteArray& reply) {
-    return findDeviceIdText(std::span(reply.constData(), static_cast<std::size_t>(reply.size())));
-}
-
-}  // namespace
 
 class TestDeviceId : public QObject {
     Q_OBJECT
 
   private slots:
-    void findsTheText_data() {
+    void findsAndSplits_data() {
         QTest::addColumn<QByteArray>("reply");
-        QTest::addColumn<QByteArray>("text");
-        const QByteArray none = "none";
-        const QByteArray key = "MFG:";
-        const QByteArray longest = key + QByteArray(251, 'x');
-        QTest::newRow("nothing") << QByteArray() << none;
-        QTest::newRow("three bytes of the key") << QByteArray("MFG") << none;
-        QTest::newRow("the key alone") << key << key;
-        QTest::newRow("no key") << QByteArray(1024, 'M') << none;
-        QTest::newRow("ends at a zero byte") << QByteArray("\0MFG:a\0b", 8) << key + "a";
-        QTest::newRow("the first of two") << "x" + key + "a;MFG:b" << key + "a;MFG:b";
-        QTest::newRow("255 bytes fit") << longest << longest;
-        QTest::newRow("256 bytes do not") << longest + 'x' << none;
-        QTest::newRow("the end of a full datagram") << QByteArray(1020, '\xff') + key << key;
-    }
-    void findsTheText() {
-        QFETCH(QByteArray, reply);
-        const auto found = find(reply);
-        QTEST(QByteArray(found ? found->data() : "none"), "text");
-    }
-
-    void splitsFields_data() {
-        QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<QByteArrayList>("fields");
-        const auto row = [](const char* name, const QByteArray& text, const QByteArrayList& fields) {
-            QTest::newRow(name) << text << fields;
+        QTest::addColumn<QByteArray>("fields");
+        const auto row = [](const char* name, const QByteArray& reply, const QByteArray& fields) {
+            QTest::newRow(name) << reply << fields;
         };
-        row("complete", "MFG:Tovik;CMD:X;MDL:TVK KV260N;CLS:PRINTER;DES:a b;SERN:A1;",
-            {"Tovik", "X", "TVK KV260N", "PRINTER", "a b", "A1;"});
-        row("serial number ends at white space", "MFG:T;CMD:X;MDL:M;CLS:P;DES:D;SERN:A1 B2",
-            {"T", "X", "M", "P", "D", "A1"});
-        row("another order", "MFG:T;MDL:KV210;CMD:X", {"T", "", "", "", "", ""});
-        row("an empty value ends it", "MFG:T;CMD:;MDL:M", {"T", "", "", "", "", ""});
+        const QByteArray none = "none";
+        row("three bytes of the key", "MFG", none);
+        row("the key alone", "MFG:", "|||||");
+        row("no key", QByteArray(1024, 'M'), none);
+        row("ends at a zero byte", QByteArray("\0MFG:a\0b", 8), "a|||||");
+        row("255 bytes fit", "MFG:" + QByteArray(251, 'x'), QByteArray(29, 'x') + "|||||");
+        row("256 bytes do not", "MFG:" + QByteArray(252, 'x'), none);
+        row("the end of a full datagram", QByteArray(1020, '\xff') + "MFG:", "|||||");
+        row("serial number ends at white space", "MFG:T;CMD:X;MDL:M;CLS:P;DES:a b;SERN:A1; B2",
+            "T|X|M|P|a b|A1;");
+        row("another order", "MFG:T;MDL:KV210;CMD:X", "T|||||");
+        row("an empty value ends it", "MFG:T;CMD:;MDL:M", "T|||||");
         const QByteArray x(66, 'x');
         row("long fields are cut and lose nothing behind them",
-            "MFG:" + x.left(31) + ";CMD:" + x.left(21) + ";MDL:" + x.left(21) + ";CLS:" + x.left(20) +
-                ";DES:" + x.left(51) + ";SERN:" + x,
-            {x.left(29), x.left(19), x.left(19), x.left(19), x.left(49), x.left(65)});
+            "MFG:T;CMD:" + x.left(21) + ";MDL:" + x.left(21) + ";CLS:" + x.left(20) + ";DES:" + x.left(51) +
+                ";SERN:" + x,
+            "T|" + x.left(19) + '|' + x.left(19) + '|' + x.left(19) + '|' + x.left(49) + '|' + x.left(65));
     }
-    void splitsFields() {
-        QFETCH(QByteArray, text);
-        const PrinterInfo info = parseDeviceId(find(text).value());
-        QTEST(QByteArrayList({info.szManufacturer, info.szPrinterCommands, info.szModel, info.szPrinterClass,
-                              info.szDescription, info.szSerialNumber}),
-              "fields");
+    void findsAndSplits() {
+        QFETCH(QByteArray, reply);
+        const auto text = findDeviceIdText({reply.constData(), static_cast<std::size_t>(reply.size())});
+        QByteArray fields = "none";
+        if (text) {
+            const PrinterInfo info = parseDeviceId(*text);
+            fields = QByteArrayList{info.szManufacturer, info.szPrinterCommands, info.szModel,
+                                    info.szPrinterClass, info.szDescription,     info.szSerialNumber}
+                         .join('|');
+        }
+        QTEST(fields, "fields");
+    }
+
+    void knowsTheModels() {
+        for (const QByteArray model : {"KV210", "KV260", "KV410", "KV460"}) {
+            for (const QByteArray& text : {"TVK " + model, "TVK " + model + "N", model, model + "N"}) {
+                QVERIFY2(IsQuazel(text), text);
+                QCOMPARE(modelNameOfAcceptedText(text), model);
+            }
+        }
+        for (const char* const text :
+             {"", "KV", "kv210", "KV210 ", " KV210", "KV210NN", "TVK KV210n", "TVK", "KV220"}) {
+            QVERIFY2(!IsQuazel(text), text);
+        }
     }
 };
 

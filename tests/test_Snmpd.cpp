@@ -38,23 +38,14 @@ class TestSnmpd : public QObject {
     Q_OBJECT
 
   private slots:
-    void initTestCase() {
+    void findsTheSeries() {
         qputenv("PATH", "/usr/sbin:" + qgetenv("PATH"));
         // Here the printers are other hosts: their addresses are not this one's.
         QCOMPARE(std::system("ip route del local 10.0.0.0/24 dev lo"), 0);
         addHost(2, deviceId(u"LP\x1b[1m"_s));
-        QTRY_VERIFY(answers(2));
-    }
-
-    void findsNoneOfAnotherMaker() {
         QCOMPARE(discover(), (QByteArrayList{"", "PrinterInfo.szModel LP\x1b[1m", "1"}));
-        QVERIFY(takeLog(home_).contains(u"IP address is: 10.0.0.2"_s));
-    }
-
-    void findsTheSeries() {
         addHost(3, deviceId(u"TVK KV260N"_s));
         addHost(4, deviceId(u"KV460"_s));
-        QTRY_VERIFY(answers(3) && answers(4));
         QCOMPARE(discover(), (QByteArrayList{"Tovik KV260 @10.0.0.3|Tovik KV460 @10.0.0.4",
                                              "PrinterInfo.szModel KV460|PrinterInfo.szModel LP\x1b[1m|"
                                              "PrinterInfo.szModel TVK KV260N",
@@ -64,15 +55,10 @@ class TestSnmpd : public QObject {
     /// Nothing that the network says controls the terminal.
     void escapesOnATerminal() {
         const QString command = programPath(u"kv-discover"_s) + u" >/dev/null"_s;
-        QCOMPARE(discover({u"-qec"_s, command, u"/dev/null"_s}, u"script"_s),
-                 (QByteArrayList{"PrinterInfo.szModel KV460\r|PrinterInfo.szModel LP\\x1b[1m\r|"
-                                 "PrinterInfo.szModel TVK KV260N\r",
-                                 "", "0"}));
-    }
-
-    void refusesArguments() {
+        QCOMPARE(discover({u"-qec"_s, command, u"/dev/null"_s}, u"script"_s).first(),
+                 "PrinterInfo.szModel KV460\r|PrinterInfo.szModel LP\\x1b[1m\r|"
+                 "PrinterInfo.szModel TVK KV260N\r");
         QCOMPARE(discover({u"10.0.0.3"_s}).last(), "2");
-        QCOMPARE(discover({u"--unknown"_s}).last(), "2");
     }
 
     void cleanupTestCase() {
@@ -97,12 +83,9 @@ class TestSnmpd : public QObject {
         agents_.back()->setStandardErrorFile(QProcess::nullDevice());
         agents_.back()->startCommand(
             u"ip netns exec host%1 snmpd -f -Lo -C -c %2 udp:161"_s.arg(number).arg(config));
-    }
-
-    /// Whether the agent has its socket; asking it would teach the bridge what discovery has to find out.
-    bool answers(int number) {
-        return std::system(qPrintable(u"ip netns exec host%1 grep -q :00A1 /proc/net/udp"_s.arg(number))) ==
-               0;
+        // Whether it has its socket; asking it would teach the bridge what discovery has to find out.
+        const QString look = u"ip netns exec host%1 grep -q :00A1 /proc/net/udp"_s.arg(number);
+        QTRY_COMPARE(std::system(qPrintable(look)), 0);
     }
 
     TemporaryHome home_;

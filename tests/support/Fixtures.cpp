@@ -4,15 +4,14 @@
 
 #include <QDir>
 #include <QFile>
-#include <QTest>
 
-#include <fcntl.h>
-#include <spawn.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
+#include <array>
 #include <csignal>
-#include <vector>
+#include <utility>
+
+using namespace Qt::StringLiterals;
 
 TemporaryHome::TemporaryHome() {
     QDir(folder_.path()).mkpath(QStringLiteral("Documents"));
@@ -46,55 +45,32 @@ QStringList takeLog(const TemporaryHome& home) {
     return lines;
 }
 
-SpawnedProgram::SpawnedProgram(const QStringList& commandLine) {
-    std::vector<QByteArray> texts{"setpriv", "--pdeathsig", "KILL"};
-    for (const QString& text : commandLine) {
-        texts.push_back(QFile::encodeName(text));
-    }
-    std::vector<char*> arguments;
-    for (QByteArray& text : texts) {
-        arguments.push_back(text.data());
-    }
-    arguments.push_back(nullptr);
-
-    int ends[2] = {-1, -1};
-    posix_spawn_file_actions_t actions;
-    const bool isPrepared = ::pipe2(ends, O_CLOEXEC) == 0 && ::posix_spawn_file_actions_init(&actions) == 0 &&
-                            ::posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO) == 0;
-    if (!isPrepared ||
-        ::posix_spawnp(&pid_, arguments[0], &actions, nullptr, arguments.data(), environ) != 0) {
-        qFatal("can't start %s", qUtf8Printable(commandLine.first()));
-    }
-    ::posix_spawn_file_actions_destroy(&actions);
-    ::close(ends[1]);
-    output_.open(ends[0], QIODevice::ReadOnly, QFileDevice::AutoCloseHandle);
-}
+SpawnedProgram::SpawnedProgram(const QString& command)
+    : output_(::popen(qPrintable(u"echo $$; exec setpriv --pdeathsig KILL "_s + command), "re")),
+      pid_(readLine().toInt()) {}
 
 SpawnedProgram::~SpawnedProgram() {
-    if (pid_ != 0) {
-        (void)terminate(10000);
+    if (output_ != nullptr) {
+        terminate();
     }
 }
 
-int SpawnedProgram::terminate(int limit) {
+QByteArray SpawnedProgram::readLine() {
+    std::array<char, 256> line{};
+    return std::fgets(line.data(), line.size(), output_) == nullptr ? QByteArray() : QByteArray(line.data());
+}
+
+int SpawnedProgram::terminate() {
     ::kill(pid_, SIGTERM);
-    int status = 0;
-    for (int waited = 0; ::waitpid(pid_, &status, WNOHANG) != pid_; waited += 5) {
-        if (waited >= limit) {
-            return -1;
-        }
-        QTest::qSleep(5);
-    }
-    pid_ = 0;
+    const int status = ::pclose(std::exchange(output_, nullptr));
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 VirtualPrinters::VirtualPrinters(const QStringList& lines) {
-    const QString list = folder_.filePath(QStringLiteral("printers"));
-    writeFile(list, lines.join(QLatin1Char('\n')).toUtf8() + '\n');
+    const QString list = folder_.filePath(u"printers"_s);
+    writeFile(list, lines.join(u'\n').toUtf8() + '\n');
     process_ = std::make_unique<SpawnedProgram>(
-        QStringList{programPath(QStringLiteral("virtual-printers")), QStringLiteral("--record"),
-                    folder_.filePath(QStringLiteral("record")), list});
+        u"%1 --record %2 %3"_s.arg(programPath(u"virtual-printers"_s), folder_.filePath(u"record"_s), list));
     if (process_->readLine() != "ready\n") {
         qFatal("the virtual printers do not get ready");
     }

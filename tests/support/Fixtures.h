@@ -3,14 +3,12 @@
 
 #pragma once
 
-#include <QFile>
 #include <QProcess>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
 
-#include <sys/types.h>
-
+#include <cstdio>
 #include <memory>
 
 /// A home folder that lasts as long as this object; the process's documents and settings lie in it. Made
@@ -42,21 +40,21 @@ void writeFile(const QString& path, const QByteArray& content);
 /// then on.
 class SpawnedProgram {
   public:
-    /// The program and its arguments; it shares the test's environment and standard error.
-    explicit SpawnedProgram(const QStringList& commandLine);
+    /// A command of the shell; it shares the test's environment and standard error.
+    explicit SpawnedProgram(const QString& command);
     SpawnedProgram(const SpawnedProgram&) = delete;
     SpawnedProgram& operator=(const SpawnedProgram&) = delete;
     ~SpawnedProgram();
 
     /// The next line of its standard output, waited for; empty at the end.
-    [[nodiscard]] QByteArray readLine() { return output_.readLine(); }
+    [[nodiscard]] QByteArray readLine();
 
-    /// Sends SIGTERM. Exit status, or -1 when it ends by a signal or not within `limit` milliseconds.
-    [[nodiscard]] int terminate(int limit);
+    /// Sends SIGTERM. Exit status, or -1 when it ends by a signal.
+    int terminate();
 
   private:
-    pid_t pid_ = 0;  // 0 once it has ended
-    QFile output_;
+    FILE* output_;  // null once it has ended
+    int pid_;
 };
 
 /// A subnet of printers in a process of its own; needs a network of its own. Ends with this object.

@@ -1,20 +1,23 @@
-// Stands for the person before the installer's window: goes on to the network page, says that the printer is
-// on the network, and then lets things happen. Brings no page of its own.
+// A plug-in without a page; PLUGIN_IID says for whom it is made. Where it finds the installer's window, it
+// stands for the user: goes on to the network page and says that the printer is on the network.
 
 #include "InstallerPlugins/InstallerPluginFactory.h"
 
 #include <QApplication>
-#include <QObject>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTimer>
 
-class PersonPlugin : public QObject, public InstallerPluginFactory {
+#include <cstdio>
+
+class TestPlugin : public QObject, public InstallerPluginFactory {
     Q_OBJECT
-    Q_PLUGIN_METADATA(IID InstallerPluginFactory_iid)
+    Q_PLUGIN_METADATA(IID PLUGIN_IID)
     Q_INTERFACES(InstallerPluginFactory)
 
   public:
+    TestPlugin() { std::fputs("the plug-in was run\n", stderr); }
+
     [[nodiscard]] InstallerPane* createPane(QObject* parent) override {
         QTimer::singleShot(0, parent, [] {  // Once the window is there.
             for (const QWidget* const window : QApplication::topLevelWidgets()) {
@@ -31,4 +34,4 @@ class PersonPlugin : public QObject, public InstallerPluginFactory {
     }
 };
 
-#include "PersonPlugin.moc"
+#include "TestPlugin.moc"
