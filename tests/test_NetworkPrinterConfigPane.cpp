@@ -1,6 +1,7 @@
 // The page by itself: what a user's acts don't reach (see test_InputPaths), its lines in the system log, and
 // a discovery over real sockets.
 
+#include "NetworkPrinterConfig/IPAddressTextValidator.h"
 #include "NetworkPrinterConfig/NetworkPrinterConfigPane.h"
 #include "NetworkPrinterConfig/Translations.h"
 #include "discovery/PrinterDiscovery.h"
@@ -10,13 +11,33 @@
 #include "support/TestMain.h"
 
 #include <QAbstractButton>
+#include <QAccessible>
 #include <QApplication>
+#include <QImage>
 #include <QTest>
 #include <QTranslator>
 
 #include <pthread.h>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
+
+namespace {
+
+QStringList heard;
+
+/// What a screen reader would say of an event: names as they change, and where the focus goes.
+void listen(QAccessibleEvent* event) {
+    QAccessibleInterface* const from = event->accessibleInterface();
+    if (from != nullptr && event->type() == QAccessible::NameChanged) {
+        heard += u"name "_s + from->text(QAccessible::Name);
+    } else if (from != nullptr && event->type() == QAccessible::Focus) {
+        heard += u"focus "_s + from->text(QAccessible::Name);
+    }
+}
+
+}  // namespace
 
 class TestNetworkPrinterConfigPane : public QObject {
     Q_OBJECT
@@ -110,15 +131,34 @@ class TestNetworkPrinterConfigPane : public QObject {
         QVERIFY(pane_->shouldExitPane(InstallerDirectionForward));
     }
 
+    /// As an assistive program hears it, and then where Tab leads.
     void findsPrinters() {
         const VirtualPrinters printers({u"10.0.0.5 answers "_s + deviceId(u"TVK KV260"_s),
                                         u"10.0.0.7 twice "_s + deviceId(u"KV410N"_s)});
         pane_->contentWidget()->show();
-        QTest::mouseClick(pane_->radiobtnPrinterType()->cellAt(1, 0), Qt::LeftButton, {}, QPoint(5, 5));
+        QVERIFY(QTest::qWaitForWindowActive(pane_->contentWidget()));
+        RadioMatrix& types = *pane_->radiobtnPrinterType();
+        types.selectCellAtRow(0, 0);
+        types.cellAt(0, 0)->setFocus();
+        QTRY_VERIFY(QAccessible::isActive());
+        QAccessible::installUpdateHandler(listen);
+        QTest::keyClick(types.cellAt(0, 0), Qt::Key_Down);
         QTRY_VERIFY(pane_->isNextEnabled());
+        QAccessible::installUpdateHandler(nullptr);
+        heard.removeDuplicates();
+        const QString all = heard.join(u'|');
+        QVERIFY2(all.contains(u"name Searching for printers|focus Searching for printers|"_s) &&
+                     all.contains(u"|name Search finished. Printers found: 2|"_s),
+                 qPrintable(all));
         QCOMPARE(itemsOf(*pane_->PrinterIP()).join(u'|'),
                  u"Enter IP Address Manually|Tovik KV260 @10.0.0.5|Tovik KV410 @10.0.0.7"_s);
         QCOMPARE(systemLog_->take(), QStringList({u"PrinterTypeClicked 1"_s, u"Array Count is 4"_s}));
+        for (QWidget* const next : std::initializer_list<QWidget*>{
+                 pane_->PrinterIP(), pane_->RefreshButton(), pane_->IPAddressText(),
+                 pane_->radiobtnPrinterModel()->cellAt(0, 0), types.cellAt(1, 0)}) {
+            QCOMPARE(QApplication::focusWidget(), next);
+            QTest::keyClick(next, Qt::Key_Tab);
+        }
     }
 
     void endsAtOnceWithoutAThread() {
@@ -138,6 +178,35 @@ class TestNetworkPrinterConfigPane : public QObject {
         QTest::mouseClick(pane_->RefreshButton(), Qt::LeftButton);
         QTRY_VERIFY(pane_->isNextEnabled());
         QVERIFY(takeLog(home_).contains(u"GetPrinterIPThread"_s));
+    }
+
+    void knowsAddresses() {
+        const IPAddressTextValidator validator;
+        QVERIFY(!validator.validate(QString()));
+        // The end anchor also stands before one line end of any kind, which other engines do not do.
+        for (const QString& text : {u""_s, u"0.0.0.0"_s, u"255.255.255.255"_s, u"192.168.001.010"_s,
+                                    u"1.2.3.4\n"_s, u"1.2.3.4\r\n"_s, u"1.2.3.4\u2028"_s}) {
+            QVERIFY2(validator.validate(text), qPrintable(text));
+        }
+        for (const QString& text :
+             {u"256.1.1.1"_s, u"1.2.3.260"_s, u"1.2.3"_s, u"1.2.3.4.5"_s, u"1..2.3"_s, u"1a2a3a4"_s,
+              u" 1.2.3.4"_s, u"1.2.3.4 "_s, u"1.2.3.\u0664"_s, u"1.2.3.4\n\n"_s, u"1.2.3.4\n1.2.3.4"_s}) {
+            QVERIFY2(!validator.validate(text), qPrintable(text));
+        }
+    }
+
+    void anUncheckedCircleStandsOutFromADarkWindow() {
+        QApplication::setStyle(u"Fusion"_s);
+        const QColor window(32, 35, 38);
+        RadioMatrix matrix;
+        matrix.setPalette(QPalette(Qt::white, window, Qt::white, window, window, Qt::white, window));
+        matrix.setCells({u"x"_s});
+        const QImage picture = matrix.cellAt(0, 0)->grab().toImage();
+        int lightest = 0;
+        for (int x = 0; x < 16; ++x) {  // Across the circle.
+            lightest = std::max(lightest, picture.pixelColor(x, picture.height() / 2).lightness());
+        }
+        QVERIFY2(lightest > 110, qPrintable(QString::number(lightest)));  // A contrast of 3 in WCAG 2.1.
     }
 
   private:
