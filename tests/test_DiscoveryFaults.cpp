@@ -127,7 +127,7 @@ void sendBadChecksums(int times, std::chrono::milliseconds pause, const sockaddr
     datagram.header.uh_ulen = htons(sizeof(datagram));
     datagram.header.uh_sum = htons(0x1234);
     for (int sent = 0; sent < times; ++sent) {
-        send(raw, QByteArray(reinterpret_cast<const char*>(&datagram), sizeof(datagram)), from);
+        send(raw, {reinterpret_cast<const char*>(&datagram), sizeof(datagram)}, from);
         std::this_thread::sleep_for(pause);
     }
     ::close(raw);

@@ -35,6 +35,16 @@ class TestInstallerWindow : public QObject {
     Q_OBJECT
 
   private slots:
+    /// A page may refuse between a press and its click.
+    void looksWhetherAButtonIsEnabled() {
+        auto* const page = new Page;
+        InstallerWindow window({page, new Page});
+        window.findChild<QPushButton*>(u"next"_s)->animateClick();  // Clicks after 100 ms, enabled or not.
+        page->setNextEnabled(false);
+        QTest::qWait(150);
+        QCOMPARE(page->departures, 0);
+    }
+
     /// What counts is when the button was pressed, not when a busy page left time to handle it.
     void countsPressesByTheirOwnTime() {
         auto* const second = new Page;
