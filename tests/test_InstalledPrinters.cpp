@@ -37,8 +37,8 @@ QByteArray ppd(const QByteArrayList& pcFileNames) {
     return text.replace("@MODEL@", "KV");
 }
 
+/// With their PPDs, if they have one.
 const std::pair<QString, QByteArray> queues[]{
-    // with their PPDs, if they have one
     {u"Office"_s, ppd({"OFFICE.PPD"})},
     {u"Tovik-KV210-Ethernet-Printer-IP=10.0.0.1"_s, ppd({"KV210.PPD"})},
     {u"Tovik-KV210-Ethernet-Printer-IP=10.0.0.2"_s, ppd({"kv210.ppd"})},

@@ -38,8 +38,8 @@ class TestMainThreadGate : public QObject {
         auto gate = std::make_unique<MainThreadGate>();
         std::atomic<bool> ran = false;
         std::atomic<int> refusals = 0;
-        std::jthread worker([&] {  // A task that is queued as the gate closes, and
-                                   // one that comes later.
+        // A task that is queued as the gate closes, and one that comes later.
+        std::jthread worker([&] {
             refusals += gate->runAndWait([&] { ran = true; }) ? 0 : 1;
             refusals += gate->runAndWait([&] { ran = true; }) ? 0 : 1;
         });

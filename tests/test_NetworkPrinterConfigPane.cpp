@@ -82,8 +82,7 @@ class TestNetworkPrinterConfigPane : public QObject {
     }
 
     void looksUpModels() {
-        QStringList found;  // text: chosen column, by the first match; column by the
-                            // last match
+        QStringList found;  // text: column chosen, by the first match; column by the last match
         for (const QString& text : {u"KV210 KV460"_s, u"KV460KV260"_s, u"KV410N"_s, u"Tovik kv410"_s}) {
             pane_->setG_SelectedCell(-1);
             pane_->ChangePrinterModelRadioButton(text);
