@@ -1,4 +1,4 @@
-// What the tests of the page and of the window stand on: beeps counted, alerts closed as a person closes
+// What the tests of the page and of the window stand on: beeps counted, alerts closed as a user closes
 // them, and a found list.
 
 #pragma once
