@@ -109,8 +109,8 @@ class TestNetworkPrinterConfigPane : public QObject {
             "%1PrinterModelToColumnNo is Tovik|PrinterModelToColumnNo Return 0|Model  Value is 0|"
             "ValidateSelectedIPAndModel Return 0 "_s;
         QCOMPARE(systemLog_->take().join(u'|'), check.arg(lookUp));
-        QCoreApplication::processEvents();
-        QVERIFY(pane_->g_selectedPrinterModel().isNull());  // Nobody keeps the text any longer.
+        QVERIFY(pane_->shouldExitPane(InstallerDirectionBackward));
+        QVERIFY(pane_->g_selectedPrinterModel().isNull());  // It lasts until a decision's end.
         pane_->PrinterIP()->removeAllItems();
         QVERIFY(pane_->ValidateSelectedIPAndModel());
         QCOMPARE(systemLog_->take().join(u'|'),

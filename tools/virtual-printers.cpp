@@ -1,0 +1,299 @@
+// A subnet of SNMP printers in one process, for the demo, the tests and the benchmarks.
+// One socket on 0.0.0.0:161 receives what is sent to any printer and to the all-hosts group; each answer
+// leaves from its printer's own address. The two requests of discovery (SNMPv1, RFC 1157, in BER) are
+// answered with any request id, other datagrams are recorded only. They are built here once more, so that a
+// mistake in the client's requests isn't repeated here. Limits: IPv4; 300 printers; device ids of 1400 bytes;
+// every address has to be local to this machine.
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QFile>
+#include <QNetworkDatagram>
+#include <QTimer>
+#include <QUdpSocket>
+
+#include <netinet/in.h>
+#include <sys/socket.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <utility>
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr quint16 snmpPort = 161;
+constexpr quint32 allHostsGroup = 0xE0000001;  // 224.0.0.1
+constexpr std::size_t maximumPrinters = 300;
+constexpr qsizetype maximumDeviceId = 1400;
+constexpr qsizetype maximumDatagram = 65507;  // What the headers of IPv4 and UDP leave of 65535 bytes.
+constexpr int maximumDelay = 600'000;
+
+constexpr int refused = 1;
+constexpr int wrongUsage = 2;
+
+[[noreturn]] void fail(int status, const QByteArray& reason) {
+    std::fprintf(stderr, "virtual-printers: %s\n", reason.constData());
+    std::exit(status);
+}
+
+// SNMP
+
+constexpr char integerTag = 0x02;
+constexpr char octetStringTag = 0x04;
+constexpr char nullTag = 0x05;
+constexpr char objectIdTag = 0x06;
+constexpr char sequenceTag = 0x30;
+constexpr char getRequestTag = '\xA0';
+constexpr char getNextRequestTag = '\xA1';
+constexpr char getResponseTag = '\xA2';
+
+constexpr const char* printerMib = "\x2B\x06\x01\x02\x01\x2B";  // 1.3.6.1.2.1.43
+constexpr const char* firstPrinterObject =
+    "\x2B\x06\x01\x02\x01\x2B\x05\x01\x01\x01\x01";  // .5.1.1.1.1 in it
+constexpr const char* deviceIdObject =               // 1.3.6.1.4.1.2699.1.2.1.2.1.1.3.1
+    "\x2B\x06\x01\x04\x01\x95\x0B\x01\x02\x01\x02\x01\x01\x03\x01";
+
+QByteArray element(char tag, const QByteArray& content) {
+    const qsizetype size = content.size();
+    QByteArray header(1, tag);
+    if (size > 0xFF) {
+        header += '\x82';
+        header += static_cast<char>(size >> 8);
+    } else if (size > 0x7F) {
+        header += '\x81';
+    }
+    return header + static_cast<char>(size & 0xFF) + content;
+}
+
+/// A message with one binding, error-status and error-index 0.
+QByteArray message(char pduTag, const QByteArray& requestId, const QByteArray& objectId,
+                   const QByteArray& value) {
+    const QByteArray zero = element(integerTag, QByteArray(1, '\0'));
+    const QByteArray binding = element(sequenceTag, element(objectIdTag, objectId) + value);
+    const QByteArray pdu = element(integerTag, requestId) + zero + zero + element(sequenceTag, binding);
+    return element(sequenceTag, zero + element(octetStringTag, "public") + element(pduTag, pdu));
+}
+
+/// The content of the request id, at its place in a short message with the community "public"; empty without
+/// one.
+QByteArray requestIdOf(const QByteArray& datagram) {
+    constexpr qsizetype lengthOffset = 16;
+    const char length = datagram.size() > lengthOffset ? datagram[lengthOffset] : '\0';
+    return length >= 1 && length <= 4 ? datagram.mid(lengthOffset + 1, length) : QByteArray();
+}
+
+// The list
+
+struct Printer {
+    QByteArray behaviour;
+    int delay = 0;        ///< Milliseconds.
+    QByteArray deviceId;  ///< Of a raw one, the whole datagram.
+};
+
+using Printers = std::map<quint32, Printer>;  ///< By IPv4 address.
+
+QByteArray takeWord(QByteArray& rest) {
+    const qsizetype end = rest.indexOf(' ') < 0 ? rest.size() : rest.indexOf(' ');
+    QByteArray word = rest.left(end);
+    rest = rest.mid(end).trimmed();
+    return word;
+}
+
+/// Returns what is wrong with the line; nothing if it was added.
+QByteArray addPrinter(Printers& printers, QByteArray line) {
+    const QByteArray addressText = takeWord(line);
+    const QHostAddress address(QString::fromLatin1(addressText));
+    if (address.protocol() != QHostAddress::IPv4Protocol ||
+        address.toString() != QString::fromLatin1(addressText)) {
+        return '"' + addressText + "\" is no IPv4 address";
+    }
+    if (address == QHostAddress::AnyIPv4 || address.isBroadcast() || address.isMulticast()) {
+        return addressText + " is no address of one printer";
+    }
+    Printer printer;
+    printer.behaviour = takeWord(line);
+    if (!QByteArrayList{"answers", "twice", "silent", "late", "raw"}.contains(printer.behaviour)) {
+        return '"' + printer.behaviour + "\" is none of answers, twice, silent, late, raw";
+    }
+    if (printer.behaviour == "late") {
+        bool isNumber = false;
+        printer.delay = takeWord(line).toInt(&isNumber);
+        if (!isNumber || printer.delay < 0 || printer.delay > maximumDelay) {
+            return "\"late\" needs 0 to 600000 milliseconds";
+        }
+    }
+    printer.deviceId = line;
+    if (printer.behaviour == "silent") {
+        if (!line.isEmpty()) {
+            return "nothing follows \"silent\"";
+        }
+    } else if (printer.behaviour == "raw") {
+        printer.deviceId = line == "-" ? QByteArray() : QByteArray::fromHex(line);
+        if (line != "-" && (line.isEmpty() || printer.deviceId.toHex() != line.toLower())) {
+            return '"' + line + "\" is no sequence of hexadecimal bytes";
+        }
+        if (printer.deviceId.size() > maximumDatagram) {
+            return "a raw reply has at most 65507 bytes";
+        }
+    } else if (line.isEmpty() || line.size() > maximumDeviceId) {
+        return "a device id has 1 to 1400 bytes";
+    }
+    if (!printers.try_emplace(address.toIPv4Address(), printer).second) {
+        return addressText + " has a printer already";
+    }
+    return printers.size() > maximumPrinters ? "more than 300 printers" : QByteArray();
+}
+
+Printers readPrinters(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        fail(refused, "cannot read " + path.toLocal8Bit() + ": " + file.errorString().toLocal8Bit());
+    }
+    Printers printers;
+    for (int number = 1; !file.atEnd(); ++number) {
+        const QByteArray line = file.readLine().trimmed();
+        const QByteArray fault =
+            line.isEmpty() || line.startsWith('#') ? QByteArray() : addPrinter(printers, line);
+        if (!fault.isEmpty()) {
+            fail(wrongUsage, path.toLocal8Bit() + ':' + QByteArray::number(number) + ": " + fault);
+        }
+    }
+    return printers;
+}
+
+// The network
+
+class Subnet {
+  public:
+    Subnet(Printers printers, const QString& recordPath)
+        : printers_(std::move(printers)), record_(recordPath) {
+        const auto mode = QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered;
+        if (!recordPath.isEmpty() && !record_.open(mode)) {
+            fail(refused,
+                 "cannot write " + recordPath.toLocal8Bit() + ": " + record_.errorString().toLocal8Bit());
+        }
+        if (!socket_.bind(QHostAddress::AnyIPv4, snmpPort, QUdpSocket::DontShareAddress)) {
+            fail(refused, "cannot bind 0.0.0.0:161: " + socket_.errorString().toLocal8Bit());
+        }
+        QObject::connect(&socket_, &QUdpSocket::readyRead, [this] {
+            while (socket_.hasPendingDatagrams()) {
+                hear(socket_.receiveDatagram());
+            }
+        });
+    }
+
+  private:
+    void hear(const QNetworkDatagram& request) {
+        const quint32 to = request.destinationAddress().toIPv4Address();
+        const auto found = printers_.find(to);
+        if (to == allHostsGroup) {
+            record(request);
+            for (const auto& [address, printer] : printers_) {
+                answer(address, printer, request);
+            }
+        } else if (found != printers_.end()) {
+            record(request);
+            answer(found->first, found->second, request);
+        }
+    }
+
+    /// One write a line, so that a test that reads along never sees half of one.
+    void record(const QNetworkDatagram& request) {
+        const QByteArray bytes = request.data().isEmpty() ? "-" : request.data().toHex();
+        const QByteArray line = request.destinationAddress().toString().toLatin1() + ' ' + bytes + '\n';
+        if (record_.isOpen() && record_.write(line) != line.size()) {
+            fail(refused, "cannot write the record: " + record_.errorString().toLocal8Bit());
+        }
+    }
+
+    void answer(quint32 address, const Printer& printer, const QNetworkDatagram& request) {
+        const QByteArray requestId = requestIdOf(request.data());
+        const QByteArray null = element(nullTag, {});
+        QNetworkDatagram reply;
+        reply.setDestination(request.senderAddress(), static_cast<quint16>(request.senderPort()));
+        reply.setSender(QHostAddress(address));
+        if (request.data() == message(getNextRequestTag, requestId, printerMib, null)) {
+            reply.setData(message(getResponseTag, requestId, firstPrinterObject,
+                                  element(integerTag, QByteArray(1, 1))));
+            send(reply);
+            if (printer.behaviour == "twice") {
+                send(reply);
+            }
+        } else if (request.data() == message(getRequestTag, requestId, deviceIdObject, null) &&
+                   printer.behaviour != "silent") {
+            const QByteArray deviceId = element(octetStringTag, printer.deviceId);
+            reply.setData(printer.behaviour == "raw"
+                              ? printer.deviceId
+                              : message(getResponseTag, requestId, deviceIdObject, deviceId));
+            if (printer.delay == 0) {
+                send(reply);
+            } else {
+                QTimer::singleShot(printer.delay, Qt::PreciseTimer, &socket_, [this, reply] { send(reply); });
+            }
+        }
+    }
+
+    /// Not through QUdpSocket, which doesn't hand the sender's address to the kernel.
+    void send(const QNetworkDatagram& reply) {
+        sockaddr_in to{AF_INET, htons(static_cast<quint16>(reply.destinationPort())), {}, {}};
+        to.sin_addr.s_addr = htonl(reply.destinationAddress().toIPv4Address());
+        alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(in_pktinfo))> control{};
+        auto* const source = reinterpret_cast<cmsghdr*>(control.data());
+        *source = {CMSG_LEN(sizeof(in_pktinfo)), IPPROTO_IP, IP_PKTINFO};
+        in_pktinfo info{};
+        info.ipi_spec_dst.s_addr = htonl(reply.senderAddress().toIPv4Address());
+        std::memcpy(CMSG_DATA(source), &info, sizeof info);
+        QByteArray bytes = reply.data();
+        iovec part{bytes.data(), static_cast<std::size_t>(bytes.size())};
+        const msghdr header{&to, sizeof to, &part, 1, control.data(), control.size(), 0};
+        // A client that has gone is no reason to stop serving the others.
+        if (::sendmsg(static_cast<int>(socket_.socketDescriptor()), &header, 0) < 0) {
+            std::fprintf(stderr, "virtual-printers: %s cannot answer: %s\n",
+                         qPrintable(reply.senderAddress().toString()), std::strerror(errno));
+        }
+    }
+
+    Printers printers_;
+    QFile record_;
+    QUdpSocket socket_;
+};
+
+}  // namespace
+
+int main(int argc, char* argv[]) {
+    const QCoreApplication application(argc, argv);
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        uR"(Is a subnet of SNMP printers. The file LIST has one printer a line:
+  ADDRESS answers DEVICE-ID
+  ADDRESS twice DEVICE-ID              answers the probe twice
+  ADDRESS silent                       answers the probe, then never again
+  ADDRESS late MILLISECONDS DEVICE-ID  sends the device id that much later
+  ADDRESS raw HEXBYTES                 sends these bytes for a device id ("-": none)
+Blank lines and lines that begin with # are ignored. Prints "ready" when the printers
+listen, and runs until a signal ends it.)"_s);
+    const QCommandLineOption record(u"record"_s, u"Append \"ADDRESS HEXBYTES\" for each request to FILE."_s,
+                                    u"FILE"_s);
+    parser.addOption(record);
+    parser.addPositionalArgument(u"LIST"_s, u"The printers."_s);
+    parser.addHelpOption();
+    if (!parser.parse(QCoreApplication::arguments())) {
+        fail(wrongUsage, parser.errorText().toLocal8Bit());
+    }
+    if (parser.isSet(u"help"_s)) {
+        parser.showHelp();
+    }
+    if (parser.positionalArguments().size() != 1) {
+        fail(wrongUsage, "one LIST is needed; see --help");
+    }
+    const Subnet subnet(readPrinters(parser.positionalArguments().constFirst()), parser.value(record));
+    std::puts("ready");
+    std::fflush(stdout);
+    return QCoreApplication::exec();
+}
