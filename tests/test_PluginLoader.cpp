@@ -39,12 +39,12 @@ class TestPluginLoader : public QObject {
         row(u"colour"_s, 2, {u"--colour"_s});
         row(u"see --help"_s, 2, {u"now"_s});
         row(u"no usable plug-in in %1"_s, 1, folder);
-        row(u"%1/missing: is no folder that can be read"_s, 1, {u"--plugins"_s, u"%1/missing"_s});
+        row(u"%1/missing: is not a readable folder"_s, 1, {u"--plugins"_s, u"%1/missing"_s});
         row(u"page.so: is not a plug-in"_s, 1, folder, sourcePath(u"README.md"_s));
         row(u"page.so: is made for \"org.example.Other\""_s, 1, folder, plugins + u"foreign.so"_s);
         row(u"page.so: is made for \"com.tovik.quazel.InstallerPluginFactory/2.0\""_s, 1, folder,
             plugins + u"newer.so"_s);
-        row(u"page.so: made no page"_s, 1, folder, plugins + u"user.so"_s);
+        row(u"page.so: did not create a page"_s, 1, folder, plugins + u"user.so"_s);
     }
     void ends() {
         QFETCH(QString, file);

@@ -18,7 +18,7 @@ QString say(const char* text) {
 /// The page of one file; null with `problem` set when there is none.
 InstallerPane* loadPage(const QString& path, QObject* parent, QString& problem) {
     if (!QFileInfo(path).isFile()) {
-        problem = say("is no file");  // A pipe would keep the loader waiting.
+        problem = say("is not a regular file");  // A pipe would keep the loader waiting.
         return nullptr;
     }
     QPluginLoader loader(path);
@@ -40,7 +40,7 @@ InstallerPane* loadPage(const QString& path, QObject* parent, QString& problem) 
     }
     InstallerPane* const pane = factory->createPane(parent);
     if (pane == nullptr || pane->contentWidget() == nullptr) {
-        problem = say("made no page");
+        problem = say("did not create a page");
         delete pane;
         return nullptr;
     }
@@ -53,7 +53,7 @@ LoadedPages loadPages(const QString& folder, QObject* parent) {
     LoadedPages loaded;
     const QDir directory(folder);
     if (!directory.isReadable()) {
-        loaded.problems += say("%1: is no folder that can be read").arg(folder);
+        loaded.problems += say("%1: is not a readable folder").arg(folder);
         return loaded;
     }
     const QStringList names = directory.entryList(QDir::Files | QDir::System | QDir::Hidden, QDir::Name);
