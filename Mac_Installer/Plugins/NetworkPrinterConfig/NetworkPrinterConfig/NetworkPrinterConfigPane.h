@@ -144,7 +144,7 @@ class NetworkPrinterConfigPane : public InstallerPane {
     // Lifecycle
     void makeContent();
     void connectOutlets();
-    void tellThePerson(const QString& informativeText);
+    void showAlert(const QString& informativeText);
     static void giveFocusTo(QWidget* control);
 
     // Selection

@@ -106,7 +106,7 @@ bool NetworkPrinterConfigPane::isAnythingGiven(const QString& item, const QStrin
         return true;
     }
     tDebugPrint("Line No %d\n", 1000);
-    tellThePerson(QStringLiteral("Please choose Printer IP or Enter the IP Address to configure"));
+    showAlert(QStringLiteral("Please choose Printer IP or Enter the IP Address to configure"));
     giveFocusTo(IPAddressText());
     tDebugPrint("Line No %d\n", 1007);
     return false;
@@ -118,7 +118,7 @@ bool NetworkPrinterConfigPane::isAddressValid(const QString& address) {
         return true;
     }
     beep();
-    tellThePerson(QStringLiteral("Invalid IP"));
+    showAlert(QStringLiteral("Invalid IP"));
     tell(IPAddressText(), &TextField::setStringValue, QString());
     giveFocusTo(IPAddressText());
     tDebugPrint("Line No %d\n", 1026);
@@ -151,7 +151,7 @@ bool NetworkPrinterConfigPane::ValidateSelectedIPAndModel() {
         const int modelColumn = PrinterModelToColumnNo(model);
         systemLog(u"Model  Value is %@", {modelColumn});
         if (column != modelColumn) {
-            tellThePerson(QStringLiteral("Selected Printer model is ") + model);
+            showAlert(QStringLiteral("Selected Printer model is ") + model);
             setG_ChangeTextBoxText(false);
             setG_deSelectCell(true);
             result = false;
@@ -204,7 +204,7 @@ bool NetworkPrinterConfigPane::commitTypedAddress(const QString& address, const 
 }
 
 void NetworkPrinterConfigPane::refuseInstalledPrinter() {
-    tellThePerson(QStringLiteral(
+    showAlert(QStringLiteral(
         "A Printer with this IP Address is already Installed, Please choose another Ethernet Printer"));
     giveFocusTo(PrinterIP());
 }

@@ -165,7 +165,7 @@ void NetworkPrinterConfigPane::CheckExistingVersion() {
 }
 
 /// The one form of the page's alerts.
-void NetworkPrinterConfigPane::tellThePerson(const QString& informativeText) {
+void NetworkPrinterConfigPane::showAlert(const QString& informativeText) {
     runAlert(contentWidget(), QStringLiteral("Tovik KV Card Printer IP Configuration"), informativeText);
 }
 
