@@ -1,5 +1,4 @@
-// The user's documents folder as the installer sees it: it must exist before a page can write to it, and the
-// summary reads there what the pages left.
+// The user's documents folder, where pages write the hand-off file and the summary reads it.
 
 #pragma once
 
@@ -8,6 +7,6 @@
 /// Path of the folder; it need not exist.
 [[nodiscard]] QString handOffFolder();
 
-/// Creates the folder when it is missing. Returns null when the installation can be carried out with it,
-/// otherwise a sentence for the person that says what is wrong.
+/// Creates the folder if it is missing. Returns null if the folder is writable, otherwise a message for the
+/// user that says what is wrong.
 [[nodiscard]] QString prepareHandOffFolder();

@@ -27,15 +27,14 @@ QLabel* makeHeading(QWidget* parent) {
     return heading;
 }
 
-/// A page in a frame that scrolls when the window is smaller than the page, so that no control is ever out of
-/// reach.
+/// Puts a page in a scroll area, so that every control can be reached in a small window.
 QScrollArea* makeScroller(QWidget* content, QWidget* parent) {
     auto* const scroller = new QScrollArea(parent);
     scroller->setFrameShape(QFrame::NoFrame);
     scroller->setWidgetResizable(true);
     scroller->setFocusPolicy(Qt::NoFocus);
     scroller->setWidget(content);
-    // The page stands on the window, not on a sheet of its own.
+    // Keep the window's background behind the page.
     scroller->viewport()->setAutoFillBackground(false);
     content->setAutoFillBackground(false);
     return scroller;
@@ -85,8 +84,8 @@ InstallerWindow::InstallerWindow(const std::vector<InstallerPane*>& pages, QWidg
 }
 
 InstallerWindow::~InstallerWindow() {
-    hide();  // A page may take a second to end its search; a signal may have come instead of a click.
-    // Before the widgets they talk to.
+    hide();  // After a signal it is still shown, and stopping a page's search may take a second.
+    // Pages refer to the widgets, so delete them first.
     for (InstallerPane* const page : pages_) {
         delete page;
     }
@@ -99,7 +98,7 @@ void InstallerWindow::keyPressEvent(QKeyEvent* event) {
 }
 
 void InstallerWindow::resizeToScreen() {
-    const QSize frame(16, 48);  // What a window manager may put around it; known only once it is shown.
+    const QSize frame(16, 48);  // Estimate: the window manager's frame is unknown before show().
     const QSize comfortable = sizeHint().expandedTo({720, 540});
     resize(comfortable.boundedTo(screen()->availableSize() - frame));
 }
@@ -115,7 +114,7 @@ void InstallerWindow::addStep(InstallerPane* page) {
 
 void InstallerWindow::connectButton(QPushButton* button, void (InstallerWindow::*action)()) {
     connect(button, &QPushButton::clicked, this, [this, button, action] {
-        // Qt may click a button that a page has disabled meanwhile.
+        // Qt may deliver a click after a page has disabled the button.
         if (button->isEnabled() && !leaving_ && presses_->takePress()) {
             (this->*action)();
         }
@@ -165,7 +164,7 @@ void InstallerWindow::updateButtons() {
     next_->setDefault(true);
 }
 
-/// The first control of the page that takes the keyboard, or else the button that goes on.
+/// Focuses the page's first control in the tab order, or the Continue button if there is none.
 void InstallerWindow::focusFirstControl() {
     next_->setFocus();
     QWidget* const content = currentPage()->contentWidget();

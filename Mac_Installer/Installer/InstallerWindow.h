@@ -1,8 +1,7 @@
-// The installer's window: the steps at the left, the current page, and the buttons that go from one to the
-// next.
+// The installer's window: list of steps, current page and navigation buttons.
 //
-// A page decides whether it may be left (shouldExitPane) and when the buttons may be pressed (setNextEnabled,
-// setPreviousEnabled). The window may be closed at any moment; it is gone at once, whatever a page is doing.
+// A page decides whether it may be left (shouldExitPane) and when the buttons are enabled (setNextEnabled,
+// setPreviousEnabled). The window can be closed at any time; it disappears at once, even if a page is busy.
 
 #pragma once
 
@@ -23,18 +22,18 @@ class InstallerWindow : public QDialog {
     Q_OBJECT
 
   public:
-    /// `pages` are the steps in their order, at least one; the window shows the first and enters it. It takes
-    /// over the pages: they are destroyed with it. Main thread, like everything here.
+    /// Shows and enters the first of `pages`, which are in step order and not empty. Takes ownership: the
+    /// pages are destroyed with the window. Main thread, like all members.
     explicit InstallerWindow(const std::vector<InstallerPane*>& pages, QWidget* parent = nullptr);
     InstallerWindow(const InstallerWindow&) = delete;
     InstallerWindow& operator=(const InstallerWindow&) = delete;
     ~InstallerWindow() override;
 
-    /// Takes a comfortable size, but none larger than the screen.
+    /// Resizes to a comfortable size, limited to the screen.
     void resizeToScreen();
 
   protected:
-    /// Return presses the button that goes on, as in every dialog; Escape does not end an installation.
+    /// Return presses the default button, as in any dialog; Escape does not close the installer.
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
@@ -50,7 +49,7 @@ class InstallerWindow : public QDialog {
 
     std::vector<InstallerPane*> pages_;  // children
     int current_ = 0;
-    bool leaving_ = false;  // a page is deciding; its alert may run an event loop of its own
+    bool leaving_ = false;  // a page is deciding; its alert may run a nested event loop
     PressGuard* presses_;
     StepList* steps_;
     QLabel* heading_;

@@ -1,4 +1,4 @@
-// The first step: what will happen, and what is wrong with this machine if anything is.
+// The first step: explains the installation and reports any problem with this machine.
 
 #pragma once
 
@@ -10,7 +10,7 @@ class IntroductionPane : public InstallerPane {
     Q_OBJECT
 
   public:
-    /// `problem` is a sentence for the person, or null.
+    /// `problem` is a message for the user, or null.
     explicit IntroductionPane(const QString& problem, QObject* parent = nullptr);
 
     [[nodiscard]] QString title() const override;

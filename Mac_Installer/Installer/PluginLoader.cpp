@@ -15,14 +15,14 @@ QString say(const char* text) {
     return QCoreApplication::translate("PluginLoader", text);
 }
 
-/// The page of one file; null with `problem` set when there is none.
+/// Loads the page from one file; null with `problem` set on failure.
 InstallerPane* loadPage(const QString& path, QObject* parent, QString& problem) {
     if (!QFileInfo(path).isFile()) {
-        problem = say("is not a regular file");  // A pipe would keep the loader waiting.
+        problem = say("is not a regular file");  // Opening a FIFO would block.
         return nullptr;
     }
     QPluginLoader loader(path);
-    // Asked before anything of the file is run: a plug-in for another contract must not be.
+    // Read the metadata before running any code of the file: other contract versions must not be loaded.
     const QString contract = loader.metaData().value(QStringLiteral("IID")).toString();
     if (contract.isEmpty()) {
         problem = say("is not a plug-in (%1)").arg(loader.errorString());

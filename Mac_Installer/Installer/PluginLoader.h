@@ -1,4 +1,4 @@
-// Finds the page plug-ins in a folder and makes their pages.
+// Finds the page plug-ins in a folder and creates their pages.
 
 #pragma once
 
@@ -11,10 +11,11 @@ class InstallerPane;
 class QObject;
 
 struct LoadedPages {
-    std::vector<InstallerPane*> pages;  ///< In the order of their file names; children of the given parent.
-    QStringList problems;  ///< One line for each file that is no usable plug-in: its name and the reason.
+    std::vector<InstallerPane*> pages;  ///< In file name order; children of the given parent.
+    QStringList problems;  ///< One line per file that is not a usable plug-in: its name and the reason.
 };
 
-/// Tries each file of `folder`. A file that is no usable plug-in, or was made for another version of the
-/// contract, becomes a problem, and the rest still load; so does a folder that can't be read. Main thread.
+/// Tries to load each file of `folder`. An unreadable folder, a file that is not a usable plug-in or one
+/// built for another version of the contract is added to the problems; the other files are still loaded. Main
+/// thread.
 [[nodiscard]] LoadedPages loadPages(const QString& folder, QObject* parent);

@@ -8,7 +8,7 @@
 
 namespace {
 
-/// Keys that press buttons; others may repeat.
+/// Keys that press buttons; other keys may repeat.
 bool pressesButton(const QKeyEvent& event) {
     const int key = event.key();
     return key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Space ||
@@ -24,7 +24,7 @@ PressGuard::PressGuard(QObject* parent) : QObject(parent) {
 bool PressGuard::takePress() {
     const Press press = std::exchange(seen_, {});
     const auto interval = static_cast<quint64>(QApplication::doubleClickInterval());
-    // A clock that was set back, or has wrapped, makes a new press.
+    // If the clock was set back or has wrapped, the press counts as new.
     if (counted_.time != 0 && press.key == counted_.key && press.time >= counted_.time &&
         press.time - counted_.time < interval) {
         return false;
@@ -54,7 +54,7 @@ bool PressGuard::eventFilter(QObject* /*watched*/, QEvent* event) {
         }
         case QEvent::MouseButtonRelease:
         case QEvent::KeyRelease:
-            // Once the release has been handled, a click comes from elsewhere.
+            // A click after the release has been handled comes from another source.
             QMetaObject::invokeMethod(
                 this, [this] { seen_ = {}; }, Qt::QueuedConnection);
             return false;

@@ -1,5 +1,5 @@
-// Counts a press of Continue or Go Back once: not again for the second press of a double click, nor while a
-// key is held down.
+// Makes Continue and Go Back act once per press: the second press of a double click and auto-repeated keys
+// are ignored.
 
 #pragma once
 
@@ -9,15 +9,16 @@ class PressGuard : public QObject {
     Q_OBJECT
 
   public:
-    /// Watches the application's input from now on. Auto-repeated Return, Enter, Space and Alt keys are
-    /// dropped for the whole application, so that a held key can't dismiss an alert unread; pages can't rely
-    /// on them in text fields.
+    /// Filters the application's input events from now on. Auto-repeated Return, Enter, Space and Alt keys
+    /// are dropped for the whole application, so that a held key can't dismiss an alert unread; they
+    /// therefore don't repeat in text fields either.
     explicit PressGuard(QObject* parent);
 
-    /// Whether the press that has just clicked a button counts: not within the double-click interval after
-    /// the last one that counted, if it is the same key, or the mouse again. Compares the timestamps of the
-    /// input events, so presses that waited for a busy page are told apart as well. Presses by assistive
-    /// programs carry no timestamp and always count. Main thread; called once per click.
+    /// Whether the press behind the current click counts. It doesn't if it follows the last press that
+    /// counted within the double-click interval and comes from the same key, or again from the mouse.
+    /// Compares the timestamps of the input events, so it also works for presses queued while a page was
+    /// busy. Presses by assistive programs have no timestamp and always count. Main thread; call once per
+    /// click.
     [[nodiscard]] bool takePress();
 
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -25,9 +26,9 @@ class PressGuard : public QObject {
   private:
     struct Press {
         int key = 0;       // 0 for the mouse
-        quint64 time = 0;  // in milliseconds of the platform; 0 for none
+        quint64 time = 0;  // platform time in milliseconds; 0 if none
     };
 
-    Press seen_;     // the last one, until its release
-    Press counted_;  // the last one that counted
+    Press seen_;     // the last press, until its release
+    Press counted_;  // the last press that counted
 };

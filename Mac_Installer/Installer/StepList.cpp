@@ -8,7 +8,7 @@
 #include <QPainterPath>
 #include <QVBoxLayout>
 
-/// The round mark before a step, in the colours of the palette and the size of the text.
+/// The round mark of a step, in palette colours and at text size.
 class StepMark : public QWidget {
   public:
     enum class State { Ahead, Current, Done };
@@ -68,7 +68,7 @@ QLabel* makeBanner(QWidget* parent) {
     auto* const banner = new QLabel(parent);
     banner->setAlignment(Qt::AlignCenter);
     banner->setPixmap(QIcon(QStringLiteral(":/installer/banner.svg")).pixmap(150, 100));
-    // It takes what room is left, and asks for none.
+    // Let the layout shrink the banner instead of enlarging the window.
     banner->setMinimumSize(1, 1);
     return banner;
 }
@@ -95,7 +95,7 @@ void StepList::resizeEvent(QResizeEvent* event) {
         column_->sizeHint().height() + banner_->pixmap().deviceIndependentSize().toSize().height();
     const int room =
         contentsRect().height() - layout()->contentsMargins().top() - layout()->contentsMargins().bottom();
-    banner_->setVisible(room >= needed);  // Half a picture is worse than none.
+    banner_->setVisible(room >= needed);  // Hide the banner rather than clip it.
 }
 
 void StepList::addStep(const QString& title) {

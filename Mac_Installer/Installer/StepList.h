@@ -1,5 +1,5 @@
-// The list of steps beside the pages: those behind are ticked, the current one stands out, those ahead are
-// empty. It can't be clicked, as the pages decide what comes next; a screen reader reads it as text.
+// The list of steps beside the pages, with the completed steps ticked and the current one highlighted. It
+// can't be clicked, as the pages control the navigation. Screen readers read it as text.
 
 #pragma once
 

@@ -8,7 +8,7 @@
 
 namespace {
 
-/// The hand-off line, or null when there is none.
+/// The hand-off line, or null if there is none.
 QString handedOverLine() {
     QFile file(handOffFolder() + QStringLiteral("/KV.txt"));
     if (!file.open(QIODevice::ReadOnly)) {

@@ -1,5 +1,4 @@
-// The last step: what the later steps of the installation were handed, read from the hand-off file as they
-// read it.
+// The last step: shows the content of the hand-off file, as the later installation steps will read it.
 
 #pragma once
 

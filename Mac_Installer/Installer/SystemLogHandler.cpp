@@ -29,7 +29,7 @@ int priorityOf(QtMsgType type) {
 void forward(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
     const QByteArray text = message.toUtf8();
     ::syslog(priorityOf(type), "%s", text.constData());
-    // One call, so that lines of two threads do not mix.
+    // A single call, so that lines of different threads don't interleave.
     std::fprintf(stderr, "quazel-installer: %s\n", text.constData());
 }
 

@@ -1,7 +1,6 @@
-// Where the messages of the program and its pages go: to syslog(3), for the administrator, and to standard
-// error.
+// Sends the messages of the program and its pages to syslog(3) and to standard error.
 
 #pragma once
 
-/// Forwards all Qt messages from now on. Called once, by main. Messages may come from any thread.
+/// Forwards all Qt messages from now on, whatever thread they come from. Called once, by main.
 void forwardMessagesToSystemLog();

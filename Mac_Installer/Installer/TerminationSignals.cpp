@@ -12,7 +12,7 @@
 
 namespace {
 
-// A signal handler may do next to nothing; writing to a pipe is allowed, and the event loop reads it.
+// Self-pipe: write() is async-signal-safe, and the event loop reads the other end.
 std::array<int, 2> signalPipe{-1, -1};
 
 void onSignal(int /*number*/) {
@@ -26,11 +26,11 @@ void onSignal(int /*number*/) {
 
 void quitOnTerminationSignals() {
     if (::pipe2(signalPipe.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
-        return;  // The signals then end the program in their own way.
+        return;  // The signals keep their default action.
     }
     auto* const notifier =
         new QSocketNotifier(signalPipe[0], QSocketNotifier::Read, QCoreApplication::instance());
-    // Not quit(), which asks the windows first: a modal alert would hold it up.
+    // Not quit(): it asks the windows first, and a modal alert would block it.
     QObject::connect(notifier, &QSocketNotifier::activated, QCoreApplication::instance(),
                      [] { QCoreApplication::exit(0); });
     struct sigaction action {};

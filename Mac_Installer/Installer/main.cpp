@@ -1,4 +1,4 @@
-// quazel-installer: loads the pages, shows the window.
+// quazel-installer: loads the pages and shows the window.
 
 #include "Installer/HandOffFolder.h"
 #include "Installer/InstallerWindow.h"
@@ -24,7 +24,7 @@ namespace {
 constexpr int exitFailure = 1;
 constexpr int exitUsage = 2;
 
-/// The toolkit ends the program in a way of its own when it finds no display.
+/// QApplication aborts without a display.
 bool hasDisplay() {
     return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
            !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
@@ -34,7 +34,8 @@ void complain(const QString& text) {
     std::fprintf(stderr, "quazel-installer: %s\n", qUtf8Printable(text));
 }
 
-/// Help and version must not need a display, which a QApplication does; null when there is none.
+/// Returns null if there is no display. --help and --version must work without one, so they get a
+/// QCoreApplication.
 std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
     for (int index = 1; index < argc; ++index) {
         for (const char* const option : {"-h", "--help", "--help-all", "-v", "--version"}) {
@@ -100,7 +101,7 @@ int main(int argc, char** argv) {
                      : parser.errorText());
         return exitUsage;
     }
-    parser.process(*application);  // Answers --help and --version.
+    parser.process(*application);  // Handles --help and --version.
 
     forwardMessagesToSystemLog();
     quitOnTerminationSignals();

@@ -18,13 +18,13 @@ class MnemonicFilter : public QObject {
     bool eventFilter(QObject* watched, QEvent* event) override {
         auto* const button =
             event->type() == QEvent::Shortcut ? qobject_cast<QAbstractButton*>(watched) : nullptr;
-        // An ambiguous mnemonic only moves the focus, which is Qt's to do.
+        // An ambiguous mnemonic only moves the focus; leave that to Qt.
         if (button == nullptr || static_cast<QShortcutEvent*>(event)->isAmbiguous()) {
             return false;
         }
         if (isOperable(button)) {
             if (button->isCheckable()) {
-                button->setFocus(Qt::ShortcutFocusReason);  // As Qt does: the arrow keys go on from there.
+                button->setFocus(Qt::ShortcutFocusReason);  // Like Qt: the arrow keys start from here.
             }
             button->click();
         }
@@ -32,7 +32,7 @@ class MnemonicFilter : public QObject {
     }
 };
 
-/// What Qt offers for a button, with actions that don't wait.
+/// Qt's accessible interface of a button, but with immediate actions.
 class ButtonInterface : public QAccessibleWidget {
   public:
     explicit ButtonInterface(QAbstractButton* button)
@@ -50,7 +50,7 @@ class ButtonInterface : public QAccessibleWidget {
         return QAccessibleWidget::text(kind);
     }
 
-    /// Only the part of a radio button that can be clicked.
+    /// For a radio button, only the area that can be clicked.
     [[nodiscard]] QRect rect() const override {
         if (role() != QAccessible::RadioButton || !widget()->isVisible()) {
             return QAccessibleWidget::rect();
@@ -81,7 +81,7 @@ class ButtonInterface : public QAccessibleWidget {
         return names;
     }
 
-    /// Posted: the caller waits for the answer, which must not take as long as an alert stands.
+    /// Posts the action: it may open an alert, and the caller waits for the reply.
     void doAction(const QString& name) override {
         const auto act = [button = button(), name] {
             if (!isOperable(button)) {
@@ -125,7 +125,8 @@ bool isOperable(const QWidget* widget) {
 }
 
 void makeButtonsImmediate() {
-    // Not by button: an active accessibility bus asks for an interface while the button is being constructed.
+    // Not per button: with an active accessibility bus, Qt requests the interface while the button is being
+    // constructed.
     static const bool isDone = [] {
         QCoreApplication::instance()->installEventFilter(new MnemonicFilter(QCoreApplication::instance()));
         QAccessible::installFactory(makeInterface);

@@ -1,18 +1,17 @@
-// Push buttons and radio buttons that act at once or not at all, in the window and in its pages.
+// Makes push buttons and radio buttons in the window and its pages act immediately or not at all.
 //
-// Qt defers the click of a mnemonic, and of an assistive "Press", by 100 ms, and then clicks even if the
-// button has been disabled or hidden meanwhile. It also lets assistive programs operate a window behind a
-// modal alert.
+// Qt delays the click of a mnemonic or an assistive "Press" by 100 ms, and clicks even if the button has been
+// disabled or hidden meanwhile. It also lets assistive programs operate a window behind a modal alert.
 
 #pragma once
 
 #include "InstallerPlugins/InstallerPane.h"
 
-/// Whether the user can operate `widget` now: it is enabled, visible and not behind a modal dialog. Main
+/// Whether the user can operate `widget` now: it is enabled, visible and not blocked by a modal dialog. Main
 /// thread.
 [[nodiscard]] INSTALLERPLUGINS_EXPORT bool isOperable(const QWidget* widget);
 
-/// From now on, all push buttons and radio buttons of the application act on mnemonics and assistive actions
-/// immediately, and ignore them while they are not operable. The first InstallerPane calls it; further calls
-/// do nothing. Main thread.
+/// From now on, all push buttons and radio buttons of the application react to mnemonics and assistive
+/// actions immediately, or ignore them while not operable. Called by the first InstallerPane; further calls
+/// have no effect. Main thread.
 void makeButtonsImmediate();

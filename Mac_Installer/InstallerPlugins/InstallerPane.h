@@ -1,10 +1,10 @@
-// The contract for the pages of the installer: what a page is, and when the installer calls it.
+// The contract for installer pages: what a page provides, and when the installer calls it.
 //
-// Order of calls, all on the main thread: awakeFromNib() once, by the page's own factory, as soon as its
-// controls exist and are connected; then at each showing title() and didEnterPane(); the person's clicks and
-// keys; and shouldExitPane() when the person presses Continue or Go Back. The installer may destroy the page
-// at any moment between two calls, whatever the page is doing on threads of its own; never during a call, nor
-// from a signal of the page.
+// Order of calls, all on the main thread: awakeFromNib() once, by the plug-in's factory, when the controls
+// exist and are connected; title() and didEnterPane() each time the page is shown; then user input; and
+// shouldExitPane() when the user presses Continue or Go Back. The installer may destroy the page between any
+// two calls, even while the page's own threads are busy, but never during a call or from a signal of the
+// page.
 
 #pragma once
 
@@ -19,46 +19,46 @@
 #define INSTALLERPLUGINS_EXPORT Q_DECL_IMPORT
 #endif
 
-/// Which way the person moves. Every value but InstallerDirectionForward means back.
+/// Direction of navigation. Any value other than InstallerDirectionForward means backward.
 enum InstallerDirection : int {
     InstallerDirectionForward = 0,
     InstallerDirectionBackward = 1,
 };
 
-/// A page. It owns its content widget: the installer shows the widget among its own, and whichever of the two
-/// goes first, the widget goes with it.
+/// A page. Its content widget is owned by both the page and, once shown, the installer's window: it is
+/// destroyed with whichever goes first.
 class INSTALLERPLUGINS_EXPORT InstallerPane : public QObject {
     Q_OBJECT
 
   public:
-    /// The first page makes the application's buttons act immediately (ButtonActions.h).
+    /// The first page constructed makes the application's buttons act immediately (ButtonActions.h).
     explicit InstallerPane(QObject* parent = nullptr);
     InstallerPane(const InstallerPane&) = delete;
     InstallerPane& operator=(const InstallerPane&) = delete;
     ~InstallerPane() override;
 
-    /// The page's name in the list of steps and above the page, in the person's language. May be asked at any
+    /// The page's name in the list of steps and above the page, in the user's language. May be called at any
     /// time.
     [[nodiscard]] virtual QString title() const = 0;
 
-    /// The controls exist and are connected. Does nothing here; an override calls it first.
+    /// Called when the controls exist and are connected. Does nothing; overrides must call it first.
     virtual void awakeFromNib();
 
-    /// The page is on the screen. Does nothing here.
+    /// Called when the page is on the screen. Does nothing by default.
     virtual void didEnterPane(InstallerDirection direction);
 
-    /// The person wants to leave. True lets them; a page that answers false has told them why, and stays. The
-    /// call may last as long as a modal alert stands. Answers true here.
+    /// Called when the user wants to leave the page; true lets them. Before returning false, tell the user
+    /// why. May block while a modal alert is open. Returns true by default.
     [[nodiscard]] virtual bool shouldExitPane(InstallerDirection direction);
 
-    /// Switches the installer's buttons while this page is shown. Takes effect at once, and holds for this
-    /// page until changed. Both are on at first.
+    /// Enable or disable the installer's buttons for this page, effective immediately while it is shown. Both
+    /// are enabled initially.
     void setNextEnabled(bool enabled);
     void setPreviousEnabled(bool enabled);
     [[nodiscard]] bool isNextEnabled() const { return nextEnabled_; }
     [[nodiscard]] bool isPreviousEnabled() const { return previousEnabled_; }
 
-    /// What the installer shows; null before the page has made it, and once it is gone.
+    /// The widget that the installer shows; null before it is created and after it is destroyed.
     [[nodiscard]] QWidget* contentWidget() const { return contentWidget_; }
 
   signals:
@@ -66,7 +66,7 @@ class INSTALLERPLUGINS_EXPORT InstallerPane : public QObject {
     void previousEnabledChanged(bool enabled);
 
   protected:
-    /// Called once, by the page itself. `widget` has no parent yet.
+    /// Called once, by the page itself. `widget` must have no parent yet.
     void setContentWidget(QWidget* widget);
 
   private:

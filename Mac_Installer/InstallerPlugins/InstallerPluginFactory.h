@@ -1,8 +1,8 @@
-// How a page plug-in hands its page to the installer.
+// The interface through which a page plug-in provides its page.
 //
 // A plug-in is a shared object whose root QObject implements InstallerPluginFactory and names
-// InstallerPluginFactory_iid in its Q_PLUGIN_METADATA. The IID ends in the version of this contract: a
-// plug-in built for another one is not loaded, and the installer says so.
+// InstallerPluginFactory_iid in its Q_PLUGIN_METADATA. The IID ends in the contract version; plug-ins built
+// for another version are reported and not loaded.
 
 #pragma once
 
@@ -18,8 +18,8 @@ class InstallerPluginFactory {
     InstallerPluginFactory& operator=(const InstallerPluginFactory&) = delete;
     virtual ~InstallerPluginFactory() = default;
 
-    /// Makes the page, its controls connected and awake, as a child of `parent`; null when it can't be made.
-    /// Main thread; called once.
+    /// Creates the page as a child of `parent`, with its controls connected and awakeFromNib() called; null
+    /// on failure. Main thread; called once.
     [[nodiscard]] virtual InstallerPane* createPane(QObject* parent) = 0;
 };
 

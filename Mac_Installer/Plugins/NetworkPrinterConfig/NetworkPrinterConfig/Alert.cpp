@@ -10,7 +10,7 @@ void runAlert(QWidget* parent, const QString& messageText, const QString& inform
     alert.setTextFormat(Qt::PlainText);
     alert.setText(messageText);
     alert.setInformativeText(informativeText);
-    // The message stands out from what explains it, also in styles that leave that to the program.
+    // Make the message bold, as some styles don't.
     if (auto* const message = alert.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"))) {
         QFont font = message->font();
         font.setBold(true);

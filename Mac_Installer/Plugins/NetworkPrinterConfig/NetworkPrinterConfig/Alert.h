@@ -1,4 +1,4 @@
-// The page's only way to tell the person something: a modal alert with one button.
+// The page's modal alert with one button.
 
 #pragma once
 
@@ -6,6 +6,6 @@
 
 class QWidget;
 
-/// Shows an alert over the window of `parent`, with the button "Ok", and returns when it is closed by
-/// whatever means. Main thread; other events of the program go on meanwhile.
+/// Shows an alert over the window of `parent`, with the button "Ok", and returns when it is closed by any
+/// means. Main thread; runs a nested event loop.
 void runAlert(QWidget* parent, const QString& messageText, const QString& informativeText);

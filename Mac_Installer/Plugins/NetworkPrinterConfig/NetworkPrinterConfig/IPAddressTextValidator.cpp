@@ -5,8 +5,8 @@
 
 namespace {
 
-// ICU syntax, and ICU itself: its "$" also stands before one line end at the end of the text, of whatever
-// kind. Other engines differ there.
+// ICU syntax, and it must be ICU: its "$" also matches before any line terminator at the end of the text,
+// unlike in other engines.
 constexpr const char16_t* addressPattern =
     uR"(^(?:(?:25[0-5]|2[0-4][0-9]|[01]?[0-9][0-9]?)\.){3}(?:25[0-5]|2[0-4][0-9]|[01]?[0-9][0-9]?)$)";
 

@@ -1,4 +1,4 @@
-// Whether a whole text is a dotted decimal IPv4 address; asked when the person presses Continue.
+// Validates a complete IPv4 address in dotted decimal, when the user presses Continue.
 
 #pragma once
 
@@ -6,8 +6,8 @@
 
 class IPAddressTextValidator {
   public:
-    /// True for four numbers from 0 to 255 with up to three digits each (leading zeros included), joined by
-    /// full stops. True for an empty text, too: whether an address is needed is not decided here. False for a
+    /// True for four numbers from 0 to 255 of up to three digits each (leading zeros allowed), separated by
+    /// full stops. Also true for an empty text, as requiring an address is the caller's decision. False for a
     /// null text.
     [[nodiscard]] bool validate(const QString& text) const;
 };

@@ -1,18 +1,18 @@
-// The network printer page: the person says how the printer is connected, picks one that was found on the
-// network or types an address, and is let go on when the choice can be right. The choice is handed on in a
-// file (SelectionFile).
+// The network printer page: the user selects how the printer is connected, then picks a discovered printer or
+// types an address, and can continue once the choice is plausible. The choice is written to the hand-off file
+// (SelectionFile).
 //
-// One class in three source files by duty: Lifecycle (making, entering, leaving for good), Selection
-// (discovery, the list and what is chosen in it) and Exit (the decision whether the person may go on).
+// One class in three source files: Lifecycle (construction, entering, destruction), Selection (discovery, the
+// list and its selection) and Exit (validation on Continue).
 //
 // Threads: everything runs on the main thread, except GetPrinterIPThread and GetPrinterIP, which run on the
-// discovery thread. They touch no control themselves: each group of control changes is handed to the main
-// thread and waited for (MainThreadGate), so effects and log records keep their order. While discovery runs,
-// the controls that could start another, and the installer's buttons, are disabled; that, and no lock, keeps
+// discovery thread. They never touch a control directly: each group of control changes is run on the main
+// thread and waited for (MainThreadGate), so effects and log records keep their order. During discovery, the
+// controls that could start another run and the installer's buttons are disabled; this, not a lock, limits
 // g_PrinterList to one thread at a time.
 //
-// No operation reports an error: the person sees alerts, support staff see the logs. A control that is gone
-// takes messages without effect and answers null, zero or no.
+// No function reports an error: the user sees alerts, support staff see the logs. Calls to a destroyed
+// control have no effect and return null, zero or false.
 
 #pragma once
 
@@ -35,7 +35,7 @@
 
 class NetworkPrinterConfigPane : public InstallerPane {
     Q_OBJECT
-    // Connected to the controls of the same name once the form is set up.
+    // Set to the controls of the same names once the form is set up.
     Q_PROPERTY(ComboBox* PrinterIP READ PrinterIP WRITE setPrinterIP)
     Q_PROPERTY(RadioMatrix* radiobtnPrinterType READ radiobtnPrinterType WRITE setRadiobtnPrinterType)
     Q_PROPERTY(QGroupBox* PrinterIPInfoBox READ PrinterIPInfoBox WRITE setPrinterIPInfoBox)
@@ -47,12 +47,12 @@ class NetworkPrinterConfigPane : public InstallerPane {
     Q_PROPERTY(QPushButton* RefreshButton READ RefreshButton WRITE setRefreshButton)
 
   public:
-    /// Makes the content widget and connects its controls; awakeFromNib() is the caller's.
+    /// Creates the content widget and connects its controls; the caller then calls awakeFromNib().
     explicit NetworkPrinterConfigPane(QObject* parent = nullptr);
     NetworkPrinterConfigPane(const NetworkPrinterConfigPane&) = delete;
     NetworkPrinterConfigPane& operator=(const NetworkPrinterConfigPane&) = delete;
 
-    /// Ends a discovery that is under way, which takes a second at most.
+    /// Stops a running discovery, which takes up to a second.
     ~NetworkPrinterConfigPane() override;
 
     // The installer's callbacks (see InstallerPane).
@@ -61,7 +61,7 @@ class NetworkPrinterConfigPane : public InstallerPane {
     void didEnterPane(InstallerDirection direction) override;
     [[nodiscard]] bool shouldExitPane(InstallerDirection direction) override;
 
-    // Notifications and actions of the controls.
+    // Signals and actions of the controls.
     void ComboBoxGotFocus();
     void didSelectIP();
     void PrinterTypeClicked();
@@ -70,39 +70,39 @@ class NetworkPrinterConfigPane : public InstallerPane {
     void PrinterModelClicked();
     void RefreshButtonClicked();
 
-    /// Shows a chosen item of the list in the model matrix and, while g_ChangeTextBoxText holds, its address
-    /// in the text field. The first model name that occurs in `item` counts; without one the matrix stays as
-    /// it is.
+    /// Selects the model of a chosen list item in the model matrix: the first model name that occurs in
+    /// `item`; if none does, the selection stays. Also copies the address to the text field if
+    /// g_ChangeTextBoxText is set.
     void ChangePrinterModelRadioButton(const QString& item);
 
-    /// Whether a line of the found list contains `address`; then g_selectedPrinterModel is that line's first
-    /// five characters (which for a printer is the maker's word, not the model).
+    /// Whether a line of the printer list contains `address`; if so, sets g_selectedPrinterModel to the first
+    /// five characters of that line (for a printer, the manufacturer, not the model).
     [[nodiscard]] bool IsIPAvalaibleInList(const QString& address);
 
-    /// Column 0 to 3 of the last model name that occurs in `model`; 0 when none does.
+    /// Column (0 to 3) of the last model name that occurs in `model`; 0 if none does.
     [[nodiscard]] int PrinterModelToColumnNo(const QString& model) const;
 
-    /// Whether the chosen model column agrees with the chosen printer; an alert has told the person when not.
+    /// Whether the selected model column matches the selected printer; shows an alert if not.
     [[nodiscard]] bool ValidateSelectedIPAndModel();
 
-    /// Body of the discovery thread; never on the main thread, which it waits for.
+    /// Body of the discovery thread. Never call it on the main thread: it waits for the main thread.
     void GetPrinterIPThread();
 
-    /// Discovery and the filling of the list. False when the page is going away and nothing more may be done
-    /// to it.
+    /// Runs discovery and fills the list. False if the page is being destroyed and must not be touched any
+    /// more.
     bool GetPrinterIP();
 
-    // The files (see SelectionFile).
+    // Hand-off file functions (see SelectionFile).
     void RemoveFile();
     void writeToTextFile(const QString& line);
     [[nodiscard]] QString GetFileData(const QString& path);
 
-    /// Warns when another version of the driver is installed. Nobody calls it: the warning is deliberately
-    /// not shown.
+    /// Warns about an installed driver of another version. Deliberately never called: the warning is not
+    /// shown.
     void CheckExistingVersion();
 
-    // The properties. Reading or writing one is atomic, except for the three plain values, which are for the
-    // main thread.
+    // The properties. Access is atomic, except for the three plain values, which are for the main thread
+    // only.
     [[nodiscard]] ComboBox* PrinterIP() const { return PrinterIP_.load(); }
     [[nodiscard]] RadioMatrix* radiobtnPrinterType() const { return radiobtnPrinterType_.load(); }
     [[nodiscard]] QGroupBox* PrinterIPInfoBox() const { return PrinterIPInfoBox_.load(); }
@@ -111,13 +111,13 @@ class NetworkPrinterConfigPane : public InstallerPane {
     [[nodiscard]] QGroupBox* PrinterModelBox() const { return PrinterModelBox_.load(); }
     [[nodiscard]] QGroupBox* PrinterIPBox() const { return PrinterIPBox_.load(); }
     [[nodiscard]] RadioMatrix* radiobtnPrinterModel() const { return radiobtnPrinterModel_.load(); }
-    /// The text that stands for the chosen printer's model during shouldExitPane, which clears it at its end.
+    /// The selected printer's model during shouldExitPane, which clears it at the end.
     [[nodiscard]] QString g_selectedPrinterModel() const { return g_selectedPrinterModel_.load(); }
     [[nodiscard]] QPushButton* RefreshButton() const { return RefreshButton_.load(); }
-    /// Whether an item of the list was chosen, so that its address goes into the text field.
+    /// Whether a list item was chosen, so that its address is copied to the text field.
     [[nodiscard]] bool g_ChangeTextBoxText() const { return g_ChangeTextBoxText_; }
     [[nodiscard]] bool g_deSelectCell() const { return g_deSelectCell_; }
-    /// The model column, 0 to 3, last taken from a chosen item.
+    /// The model column (0 to 3) of the last chosen item.
     [[nodiscard]] qint64 g_SelectedCell() const { return g_SelectedCell_; }
 
     void setPrinterIP(ComboBox* control) { PrinterIP_.store(control); }
@@ -138,7 +138,7 @@ class NetworkPrinterConfigPane : public InstallerPane {
 
   private:
     static constexpr int networkTypeRow = 1;
-    /// Whether a list item is the invitation to type an address.
+    /// Whether a list item is "Enter IP Address Manually".
     [[nodiscard]] static bool isManualEntry(const QString& item);
 
     // Lifecycle
@@ -179,7 +179,7 @@ class NetworkPrinterConfigPane : public InstallerPane {
     bool g_deSelectCell_ = false;
     qint64 g_SelectedCell_ = 0;
 
-    std::shared_ptr<const QString> modelOfDecision_;  // owner behind g_selectedPrinterModel
+    std::shared_ptr<const QString> modelOfDecision_;  // keeps g_selectedPrinterModel alive
     MainThreadGate gate_;
     std::stop_source leaving_;
     std::thread discoveryThread_;

@@ -1,6 +1,6 @@
-// The decision whether the person may leave the page, and the hand-off of the choice.
+// Validation when the user leaves the page, and the hand-off of the choice.
 //
-// The numbers in the "Line No" records are fixed: support staff read from them which way the decision took.
+// The numbers in the "Line No" records are fixed: support staff use them to trace the decision.
 
 #include "NetworkPrinterConfig/Beep.h"
 #include "NetworkPrinterConfig/IPAddressTextValidator.h"
@@ -17,20 +17,20 @@
 
 namespace {
 
-/// The catalog row of a model column, or null outside 0 to 3.
+/// The catalog row of a model column; null outside 0 to 3.
 const CatalogRow* rowOfColumn(qint64 column) {
     return column >= 0 && column < static_cast<qint64>(modelCount)
                ? &modelCatalog[static_cast<std::size_t>(column)]
                : nullptr;
 }
 
-/// The model to hand on: that of the chosen column, but an item of the first model decides by itself.
+/// The model to hand over: that of the selected column, unless the item names the first model.
 QString modelOf(qint64 column, const QString& item) {
     tDebugPrint("Line No %d\n", 1037);
     const CatalogRow* const row = rowOfColumn(column);
     QString model = row == nullptr ? QString() : QString::fromLatin1(row->modelName);
     tDebugPrint("Line No %d\n", 1047);
-    // Only this one model is looked for, and that is deliberate: the others are never taken from the item.
+    // Deliberately only the first model: the others are never taken from the item.
     const QString firstModel = QString::fromLatin1(modelCatalog[0].modelName);
     if (containsString(item, firstModel)) {
         tDebugPrint("Line No %d\n", 1051);
@@ -40,14 +40,14 @@ QString modelOf(qint64 column, const QString& item) {
     return model;
 }
 
-/// Asks the print service, which may take seconds.
+/// May block for several seconds.
 void queryPrintService() {
     QGuiApplication::setOverrideCursor(Qt::BusyCursor);
     GetInstalledPrinterList();
     QGuiApplication::restoreOverrideCursor();
 }
 
-/// The name of the queue that the later steps of the installation make for a network printer.
+/// Name of the print queue that the later installation steps create for a network printer.
 QString queueKey(const QString& model, const QString& address) {
     return stringWithFormat(u"Tovik-%@-Ethernet-Printer-IP=%@", {model, address});
 }
@@ -99,7 +99,7 @@ bool NetworkPrinterConfigPane::mayGoForward() {
     return commitTypedAddress(address, model, column);
 }
 
-/// Presence test: a printer was chosen from the list, or an address was typed or filled in.
+/// Whether a printer was chosen from the list, or the address field is not empty.
 bool NetworkPrinterConfigPane::isAnythingGiven(const QString& item, const QString& address) {
     const bool isPrinterChosen = !item.isEmpty() && !isManualEntry(item);
     if (isPrinterChosen || !address.isEmpty()) {
@@ -135,8 +135,8 @@ bool NetworkPrinterConfigPane::ValidateSelectedIPAndModel() {
     if (isManualEntry(item)) {
         systemLog(u"Getting IP Model for the IP %@", {address});
         (void)IsIPAvalaibleInList(address);
-        // The maker's word of the matching line when the address is in the list, otherwise what was there
-        // before.
+        // The manufacturer from the matching line if the address is in the list, otherwise the previous
+        // value.
         model = g_selectedPrinterModel();
     } else {
         model = item.split(QLatin1Char(' ')).value(1);
@@ -161,7 +161,7 @@ bool NetworkPrinterConfigPane::ValidateSelectedIPAndModel() {
     return result;
 }
 
-/// A printer of the list: its address is taken from the item, not from the text field.
+/// A printer from the list: the address comes from the item, not from the text field.
 bool NetworkPrinterConfigPane::commitListChoice(const QString& item, const QString& model) {
     tDebugPrint("Line No %d\n", 1066);
     const QString address = item.mid(item.indexOf(QLatin1Char('@')) + 1);
@@ -181,7 +181,7 @@ bool NetworkPrinterConfigPane::commitListChoice(const QString& item, const QStri
     return true;
 }
 
-/// A typed address. Without a model column there is no line, and writing none leaves the file as it is.
+/// A typed address. Without a model column the line is null, and writing it leaves the file unchanged.
 bool NetworkPrinterConfigPane::commitTypedAddress(const QString& address, const QString& model,
                                                   qint64 column) {
     if (address.isNull()) {

@@ -1,4 +1,4 @@
-// The page's making and end, the installer's calls on the way in, and its files.
+// Construction and destruction, the installer's callbacks on entry, and file access.
 
 #include "NetworkPrinterConfig/Alert.h"
 #include "NetworkPrinterConfig/NetworkPrinterConfigPane.h"
@@ -22,8 +22,7 @@ void switchLayoutDebuggingOn() {
     setUserDefault(QStringLiteral("NSConstraintBasedLayoutVisualizeMutuallyExclusiveConstraints"), true);
 }
 
-/// The models' names with a mnemonic each: the first digit of the number part that no earlier model has
-/// taken.
+/// The model names, each with a mnemonic: the first digit of the number part that no earlier model uses.
 QStringList modelLabels() {
     QStringList labels;
     QString taken;
@@ -42,7 +41,7 @@ QStringList modelLabels() {
     return labels;
 }
 
-/// Top to bottom. The matrices create their buttons late, which would put them last.
+/// Top to bottom. The matrices create their buttons late, which would put them last in the tab order.
 void setTabOrder(const Ui::NetworkPrinterConfigPane& form) {
     QList<QWidget*> order;
     for (QAbstractButton* const cell : form.radiobtnPrinterType->buttons()) {
@@ -57,7 +56,7 @@ void setTabOrder(const Ui::NetworkPrinterConfigPane& form) {
     }
 }
 
-/// A hidden control keeps its place, so that nothing moves when it appears.
+/// A hidden control keeps its space, so that the layout doesn't move when it appears.
 void keepPlaceWhenHidden(QWidget* control) {
     QSizePolicy policy = control->sizePolicy();
     policy.setRetainSizeWhenHidden(true);
@@ -76,14 +75,13 @@ NetworkPrinterConfigPane::NetworkPrinterConfigPane(QObject* parent) : InstallerP
 }
 
 NetworkPrinterConfigPane::~NetworkPrinterConfigPane() {
-    // In this order: nothing more reaches the controls, discovery stops at its next wait, and nobody is left
-    // behind.
+    // The order matters: block access to the controls, stop discovery at its next wait, then join.
     gate_.close();
     leaving_.request_stop();
     if (discoveryThread_.joinable()) {
         discoveryThread_.join();
     }
-    delete contentWidget();  // Its controls may still signal to this class, such as the end of editing.
+    delete contentWidget();  // Its controls may still emit signals to this class, such as editingFinished.
 }
 
 void NetworkPrinterConfigPane::makeContent() {
@@ -101,7 +99,7 @@ void NetworkPrinterConfigPane::makeContent() {
     setContentWidget(content);
 }
 
-/// Each control property receives the control of its name.
+/// Sets each control property to the control of the same name.
 void NetworkPrinterConfigPane::connectOutlets() {
     const QMetaObject& description = staticMetaObject;
     for (int index = description.propertyOffset(); index < description.propertyCount(); ++index) {
@@ -127,7 +125,7 @@ void NetworkPrinterConfigPane::awakeFromNib() {
         connect(list, &ComboBox::willPopUp, this, &Pane::ComboBoxGotFocus);
     }
     if (TextField* const address = IPAddressText()) {
-        // These connections are what makes the page the field's delegate.
+        // These connections make the page the field's delegate.
         connect(address, &TextField::didEndEditing, this, &Pane::didIPTextBoxKeyPress);
         connect(address, &TextField::didBeginEditing, this, &Pane::IPTextBoxGotFocus);
         address->setFormatter(new OnlyIntegerValueFormatter);
@@ -164,7 +162,7 @@ void NetworkPrinterConfigPane::CheckExistingVersion() {
                  "installation will uninstall the previous version and install the new version."));
 }
 
-/// The one form of the page's alerts.
+/// All alerts of this page share this title, except CheckExistingVersion's.
 void NetworkPrinterConfigPane::showAlert(const QString& informativeText) {
     runAlert(contentWidget(), QStringLiteral("Tovik KV Card Printer IP Configuration"), informativeText);
 }

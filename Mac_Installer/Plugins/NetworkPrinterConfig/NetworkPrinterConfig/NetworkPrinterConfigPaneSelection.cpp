@@ -1,5 +1,4 @@
-// Discovery from the page's side: it is started, the list is filled, and what the person chooses in it is
-// followed.
+// Starts discovery, fills the list and follows the user's selection.
 
 #include "NetworkPrinterConfig/NetworkPrinterConfigPane.h"
 #include "NetworkPrinterConfig/containsCategory.h"
@@ -15,11 +14,10 @@
 
 namespace {
 
-/// Called with each entry of the found list, in order, before it becomes part of the lines.
+/// Called for each entry of the printer list, in order, before the entries are joined.
 using EntryVisitor = void (*)(const QString& entry);
 
-/// The found list as lines: its entries joined and split at their line feeds, so an empty line stands at the
-/// end.
+/// The printer list as lines: its entries joined and split at line feeds, so the last line is empty.
 QStringList listLines(EntryVisitor visit) {
     const std::shared_ptr<QStringList> entries = g_PrinterList;
     QString joined;
@@ -75,13 +73,13 @@ void NetworkPrinterConfigPane::RefreshButtonClicked() {
 }
 
 void NetworkPrinterConfigPane::startDiscovery() {
-    // The disabled controls keep a second search from starting. Joining a running one here would deadlock.
+    // The disabled controls prevent a second search. Joining a running one here would deadlock.
     if (discovering_) {
         return;
     }
     discovering_ = true;
     if (discoveryThread_.joinable()) {
-        discoveryThread_.join();  // The previous search, which is over.
+        discoveryThread_.join();  // The previous search has finished.
     }
     try {
         discoveryThread_ = std::thread(&NetworkPrinterConfigPane::GetPrinterIPThread, this);
@@ -91,7 +89,7 @@ void NetworkPrinterConfigPane::startDiscovery() {
     }
 }
 
-/// Leaves the page as after a search that found nothing; the user can still type an address.
+/// Leaves the page as if the search had found nothing; the user can still type an address.
 void NetworkPrinterConfigPane::finishWithoutSearch() {
     resetPrinterList();
     showSearching();
@@ -99,8 +97,8 @@ void NetworkPrinterConfigPane::finishWithoutSearch() {
     allowChoosing();
 }
 
-/// Runs a group of control changes on the main thread, shown together, and waits for it. False when the page
-/// is going away: the changes did not happen, and the caller leaves without touching the page.
+/// Runs a group of control changes on the main thread, in one repaint, and waits for it. False if the page is
+/// being destroyed: the changes were not made, and the caller must return without touching the page.
 bool NetworkPrinterConfigPane::changeControls(const std::function<void()>& changes) {
     return gate_.runAndWait([this, &changes] {
         tell(contentWidget(), &QWidget::setUpdatesEnabled, false);
@@ -134,13 +132,13 @@ bool NetworkPrinterConfigPane::GetPrinterIP() {
 void NetworkPrinterConfigPane::showSearching() {
     tell(Progress(), &QWidget::setHidden, false);
     tell(Progress(), &ProgressIndicator::startAnimation);
-    // Who can't see the bar is told by its name. It takes the keyboard, as what had it is disabled now;
-    // otherwise the focus would be nowhere.
+    // The accessible name tells screen reader users about the search. The bar takes the focus because the
+    // control that had it is disabled now.
     tell(Progress(), &QWidget::setAccessibleName, tr("Searching for printers"));
     giveFocusTo(Progress());
     tell(PrinterIP(), &ComboBox::removeAllItems);
     tell(PrinterIP(), &ComboBox::addItemWithObjectValue, QStringLiteral("Enter IP Address Manually"));
-    tell(PrinterIP(), &ComboBox::selectItemAtIndex, 0);  // Calls didSelectIP, like the one in fillList.
+    tell(PrinterIP(), &ComboBox::selectItemAtIndex, 0);  // Calls didSelectIP, as does the one in fillList.
     tell(radiobtnPrinterModel(), &QWidget::setEnabled, false);
 }
 
@@ -160,7 +158,7 @@ void NetworkPrinterConfigPane::fillList(const QStringList& lines) {
     tell(Progress(), &QWidget::setHidden, true);
 }
 
-/// The model matrix stays as the selection left it.
+/// The model matrix stays as didSelectIP left it.
 void NetworkPrinterConfigPane::allowChoosing() {
     tell(RefreshButton(), &QWidget::setEnabled, true);
     tell(PrinterIP(), &QWidget::setEnabled, true);
@@ -171,7 +169,7 @@ void NetworkPrinterConfigPane::allowChoosing() {
     setPreviousEnabled(true);
     discovering_ = false;
     if (focusFollowsSearch_) {
-        giveFocusTo(PrinterIP());  // Unless the person has gone elsewhere, the list is what comes next.
+        giveFocusTo(PrinterIP());  // Unless the user has moved the focus meanwhile.
     }
 }
 
@@ -226,7 +224,7 @@ void NetworkPrinterConfigPane::ChangePrinterModelRadioButton(const QString& item
 int NetworkPrinterConfigPane::PrinterModelToColumnNo(const QString& model) const {
     systemLog(u"PrinterModelToColumnNo is %@", {model});
     int column = 0;
-    // The last match counts here, not the first.
+    // The last match wins, not the first.
     for (std::size_t candidate = 0; candidate < modelCount; ++candidate) {
         if (containsString(model, QString::fromLatin1(modelCatalog[candidate].modelName))) {
             column = static_cast<int>(candidate);
@@ -264,7 +262,7 @@ void NetworkPrinterConfigPane::PrinterModelClicked() {
     systemLog(u"Selected Model Item is %@", {column});
 }
 
-// Intentionally empty: connected, but with nothing to do.
+// Intentionally empty.
 
 void NetworkPrinterConfigPane::ComboBoxGotFocus() {}
 

@@ -1,5 +1,5 @@
-// What may be typed into the address field: digits and full stops, at most 15 characters. Anything else beeps
-// and leaves the field as it was. Whether the text is an address is IPAddressTextValidator's question.
+// Limits input in the address field to digits and full stops, at most 15 characters. Any other edit beeps and
+// is rejected. IPAddressTextValidator checks the complete address.
 
 #pragma once
 
@@ -12,12 +12,12 @@ class OnlyIntegerValueFormatter : public QValidator {
   public:
     using QValidator::QValidator;
 
-    /// Whether the field may hold `text` after an edit; beeps once when not. `newEditingString` and
-    /// `errorDescription` may be null; where given they become null strings, as neither is ever offered. Main
-    /// thread.
+    /// Whether the field may hold `text` after an edit; beeps once if not. `newEditingString` and
+    /// `errorDescription` may be null; otherwise they are set to null strings, except for an empty `text`.
+    /// Main thread.
     [[nodiscard]] bool isPartialStringValid(const QString& text, QString* newEditingString,
                                             QString* errorDescription) const;
 
-    /// The line edit asks once per edit. Never answers Intermediate: that would hold back the end of editing.
+    /// QLineEdit calls this once per edit. Never returns Intermediate, which would suppress editingFinished.
     State validate(QString& text, int& cursor) const override;
 };

@@ -27,7 +27,7 @@ std::optional<DeviceIdText> findDeviceIdText(std::span<const char> reply) {
     const std::string_view rest = bytes.substr(start);
     const std::string_view id = rest.substr(0, rest.find('\0'));
     if (id.size() >= deviceIdTextSize) {
-        return std::nullopt;  // The printer is passed over; the others still count.
+        return std::nullopt;  // Only this printer is skipped.
     }
     DeviceIdText text{};
     std::copy(id.begin(), id.end(), text.begin());
@@ -35,8 +35,8 @@ std::optional<DeviceIdText> findDeviceIdText(std::span<const char> reply) {
 }
 
 PrinterInfo parseDeviceId(const DeviceIdText& text) {
-    // A width in the format ("%29[^;]") would not cut a longer value but end the scan inside it, and lose
-    // every field behind it. So each value is read whole, into room for the whole text, and cut afterwards.
+    // A width in the format ("%29[^;]") would stop the scan inside a longer value and lose all later fields.
+    // So each value is read in full, into a buffer as large as the text, and truncated afterwards.
     struct {
         DeviceIdText manufacturer, commands, model, printerClass, description, serialNumber;
     } whole{};

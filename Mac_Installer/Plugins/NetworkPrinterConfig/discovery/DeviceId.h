@@ -1,7 +1,7 @@
-// The IEEE 1284 device id in a printer's SNMP reply. The reply is not decoded as BER: the text is found by
-// its first key, "MFG:", and split by a fixed format whose keys must stand in exactly that order.
+// The IEEE 1284 device id in a printer's SNMP reply. The reply is not decoded as BER: the text is located by
+// its first key, "MFG:", and parsed with a fixed format that requires the keys in exactly that order.
 //
-// Limits: a reply is at most 1024 bytes; a text of more than 255 bytes is not taken; each field is cut to its
+// Limits: replies of at most 1024 bytes; texts over 255 bytes are ignored; each field is truncated to its
 // size.
 
 #pragma once
@@ -12,11 +12,11 @@
 #include <span>
 
 inline constexpr std::size_t maximumReplySize = 1024;
-inline constexpr std::size_t deviceIdTextSize = 256;  ///< With the terminating zero byte.
+inline constexpr std::size_t deviceIdTextSize = 256;  ///< Including the terminating NUL.
 
 using DeviceIdText = std::array<char, deviceIdTextSize>;
 
-/// The fields of a device id, each NUL-terminated; empty where the id has none.
+/// The fields of a device id, NUL-terminated; empty if missing.
 struct PrinterInfo {
     char szManufacturer[30];     ///< MFG
     char szPrinterCommands[20];  ///< CMD
@@ -27,10 +27,10 @@ struct PrinterInfo {
 };
 static_assert(sizeof(PrinterInfo) == 206);
 
-/// The text from the first "MFG:" in `reply` to the first zero byte or the end. Nothing when there is no such
-/// text or when it does not fit. Any thread.
+/// The text from the first "MFG:" in `reply` to the next zero byte or the end; nullopt if there is none or it
+/// doesn't fit. Any thread.
 [[nodiscard]] std::optional<DeviceIdText> findDeviceIdText(std::span<const char> reply);
 
-/// Splits a device id text. The split stops at the first key that is missing, out of order or without a
-/// value, and leaves the later fields empty. Any thread.
+/// Parses a device id text. Parsing stops at the first key that is missing, out of order or without a value;
+/// the later fields stay empty. Any thread.
 [[nodiscard]] PrinterInfo parseDeviceId(const DeviceIdText& text);

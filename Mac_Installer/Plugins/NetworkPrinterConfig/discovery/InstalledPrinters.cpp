@@ -23,22 +23,21 @@ std::int32_t g_PrinterAlreadyInstalled = 0;
 namespace {
 
 constexpr const char* seriesAttribute = "PCFileName";
-constexpr int answerLimit = 10'000;  // ms; a service that takes longer counts as silent
-constexpr int slowAnswer = 1'000;    // ms; after a PPD that takes longer, the service is checked again
+constexpr int answerLimit = 10'000;  // ms; a service that takes longer is considered silent
+constexpr int slowAnswer = 1'000;    // ms; after a slower PPD request, the service is checked again
 
 struct PpdCloser {
     void operator()(ppd_file_t* ppd) const { ppdClose(ppd); }
 };
 using Ppd = std::unique_ptr<ppd_file_t, PpdCloser>;
 
-/// Whether the default server fails to accept a connection, or to answer on it, within answerLimit. libcups
-/// has no such limit for its default connection and would wait for minutes; this asks on a connection of its
-/// own.
+/// Whether the default server fails to accept a connection and respond on it within answerLimit. libcups has
+/// no such timeout on its default connection and would wait for minutes, so this uses a separate connection.
 bool isServiceSilent() {
     QElapsedTimer timer;
     timer.start();
-    // Unencrypted, as a handshake has no limit either; a server that demands encryption refuses, which is an
-    // answer.
+    // Unencrypted, as the TLS handshake has no timeout either; a server that requires encryption refuses,
+    // which counts as a response.
     const std::unique_ptr<http_t, decltype(&httpClose)> service(
         httpConnect2(cupsServer(), ippPort(), nullptr, AF_UNSPEC, HTTP_ENCRYPTION_NEVER, 1, answerLimit,
                      nullptr),
@@ -51,8 +50,8 @@ bool isServiceSilent() {
     return httpOptions(service.get(), "*") == 0 && httpWait(service.get(), left) == 0;
 }
 
-/// The destinations of the default server, freed together, and the links to their PPDs. A service that is
-/// silent has no destinations; one that falls silent has no more links.
+/// The destinations of the default server, freed together, and the links to their PPDs. A silent service
+/// yields no destinations; once it falls silent it yields no more links.
 class PrintService {
   public:
     PrintService()
@@ -68,7 +67,7 @@ class PrintService {
     [[nodiscard]] int count() const { return count_; }
     [[nodiscard]] const char* queueAt(int index) const { return list_[index].name; }
 
-    /// Null for a queue without PPD.
+    /// Null for a queue without a PPD.
     [[nodiscard]] const char* linkToPpdOf(const char* queue) {
         if (isSilent_) {
             return nullptr;
@@ -86,12 +85,12 @@ class PrintService {
     int count_;
 };
 
-/// Opens the PPD of a queue. CUPS hands out a symbolic link to it for a queue of the local server; anything
-/// else, and a queue without PPD, is not opened.
+/// Opens the PPD of a queue. CUPS provides a symbolic link to it for local queues; anything else, including a
+/// queue without a PPD, is not opened.
 Ppd openPpdOf(const char* queue, PrintService& service) {
     std::array<char, 1024> path{};
     const char* const link = service.linkToPpdOf(queue);
-    // A target that fills the buffer has no terminator and may be cut: such a path is not followed.
+    // readlink() doesn't terminate a target that fills the buffer, and it may be truncated: don't follow it.
     if (link != nullptr && ::readlink(link, path.data(), path.size()) == std::ssize(path)) {
         path.fill('\0');
     }
@@ -103,7 +102,7 @@ Ppd openPpdOf(const char* queue, PrintService& service) {
     return ppd;
 }
 
-/// Compares one queue of the series by its name.
+/// Compares the name of a queue of the series.
 bool isQueueLookedFor(const char* queue) {
     const QString str = QString::fromUtf8(queue);
     tDebugPrint("String str Value is %s\n", UTF8String(str).c_str());
@@ -121,7 +120,7 @@ void examineQueue(const char* queue, PrintService& service) {
     if (!ppd) {
         return;
     }
-    // Several attributes of that name may stand in one PPD, and any of them may be the one.
+    // A PPD may contain several of these attributes, and any of them may match.
     for (const ppd_attr_t* attribute = ppdFindAttr(ppd.get(), seriesAttribute, nullptr); attribute != nullptr;
          attribute = ppdFindNextAttr(ppd.get(), seriesAttribute, nullptr)) {
         if (isSeriesPpdFileName(attribute->value) && isQueueLookedFor(queue)) {
@@ -132,7 +131,7 @@ void examineQueue(const char* queue, PrintService& service) {
     }
 }
 
-/// A match ends nothing: the other queues are examined, and logged, as well.
+/// Doesn't stop at a match: the remaining queues are still examined and logged.
 void examineAllQueues() {
     PrintService service;
     tDebugPrint("Number of printers found in the system is %d\n", service.count());

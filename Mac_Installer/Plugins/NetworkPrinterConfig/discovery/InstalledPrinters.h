@@ -1,8 +1,8 @@
-// Whether CUPS already has a print queue for the printer that the user chose. A queue counts by its name,
-// together with the attribute PCFileName of its PPD; neither its device URI nor its options are looked at.
+// Checks whether CUPS already has a print queue for the chosen printer. A queue matches by its name and the
+// PCFileName attribute of its PPD; its device URI and options are ignored.
 //
-// Calls to CUPS use the default server and are synchronous. A print service that does not answer within ten
-// seconds counts as not running.
+// Calls to CUPS use the default server and are synchronous. A print service that doesn't respond within ten
+// seconds is treated as not running.
 
 #pragma once
 
@@ -10,13 +10,12 @@
 
 #include <cstdint>
 
-/// Name of the queue to look for, set before each call of GetInstalledPrinterList. Main thread.
+/// Name of the queue to look for; set before each GetInstalledPrinterList call. Main thread.
 extern QString g_ModelName;
 
-/// 1 when the last GetInstalledPrinterList found the queue, otherwise 0. Main thread.
+/// 1 if the last GetInstalledPrinterList found the queue, otherwise 0. Main thread.
 extern std::int32_t g_PrinterAlreadyInstalled;
 
-/// Looks for a queue of the series named g_ModelName and tells in g_PrinterAlreadyInstalled whether there is
-/// one. A print service that can't be reached has no queues; a queue whose PPD can't be opened is not of the
-/// series. Main thread.
+/// Looks for a queue of the series named g_ModelName and sets g_PrinterAlreadyInstalled. An unreachable print
+/// service has no queues; a queue whose PPD can't be opened is not of the series. Main thread.
 void GetInstalledPrinterList();

@@ -1,6 +1,6 @@
-// The four models of the series. This table is the only place that knows them.
+// The four models of the series, defined only here.
 //
-// A row's position is also the column of the model's radio button on the page, so the order is binding.
+// A row's index is also the column of the model's radio button on the page, so the order is fixed.
 
 #pragma once
 
@@ -8,11 +8,11 @@
 #include <cstddef>
 
 struct CatalogRow {
-    const char* modelName;          ///< Five characters; used everywhere inside the program.
+    const char* modelName;          ///< Five characters; identifies the model in the program.
     const char* numberPart;         ///< The last three characters of the model name.
     const char* acceptedTexts[4];   ///< IEEE 1284 MDL values of the model; compared whole, case-sensitively.
     const char* ppdFileName;        ///< Value of the PPD attribute PCFileName in the model's print queues.
-    const char* modelNameAndBlank;  ///< The model name and one blank: how a hand-off line begins.
+    const char* modelNameAndBlank;  ///< The model name and a space: the start of a hand-off line.
 };
 
 inline constexpr std::size_t modelCount = 4;
@@ -24,14 +24,14 @@ inline constexpr std::array<CatalogRow, modelCount> modelCatalog{{
     {"KV460", "460", {"TVK KV460", "TVK KV460N", "KV460", "KV460N"}, "KV460.PPD", "KV460 "},
 }};
 
-/// Whether a model text reported by a printer belongs to the series. Writes the text to standard output.
+/// Whether a model text reported by a printer belongs to the series. Prints the text to standard output.
 /// `model` is NUL-terminated and not null. Any thread.
 [[nodiscard]] bool IsQuazel(const char* model);
 
-/// The model name of a model text that IsQuazel accepted: the first row whose number part occurs in it;
-/// null when none does, which no accepted text leads to. Any thread.
+/// The model name for a text that IsQuazel accepted: the first row whose number part occurs in it. Null if
+/// none does, which can't happen for an accepted text. Any thread.
 [[nodiscard]] const char* modelNameOfAcceptedText(const char* model);
 
-/// Whether a value of the PPD attribute PCFileName is one of the series' four, byte for byte; null is not.
-/// Any thread.
+/// Whether a PCFileName value of a PPD is one of the series' four, compared byte by byte; false for null. Any
+/// thread.
 [[nodiscard]] bool isSeriesPpdFileName(const char* value);

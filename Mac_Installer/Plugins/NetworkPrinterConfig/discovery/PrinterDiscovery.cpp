@@ -23,9 +23,8 @@ int listCount() {
     return static_cast<int>(g_PrinterList->count());
 }
 
-/// Whether there is something to receive within one second; if not, errno is what a receive would report. The
-/// socket's own time-out would not do: the system starts it anew after each datagram whose checksum turns out
-/// wrong, for as long as somebody sends such.
+/// Whether data arrives within one second; if not, errno is set as by a failed receive. SO_RCVTIMEO is not
+/// enough: the kernel restarts it after each datagram with a bad checksum, so it may never expire.
 bool isReadableInTime(int descriptor) {
     pollfd waiting{descriptor, POLLIN, 0};
     const int ready = descriptor < 0 ? 1 : ::poll(&waiting, 1, 1000);  // Without a socket the receive fails.
@@ -35,8 +34,8 @@ bool isReadableInTime(int descriptor) {
     return ready > 0;
 }
 
-/// Sends the device id request and waits at most one second for a datagram, from whoever it comes. Returns
-/// its size, or -1 with errno set.
+/// Sends the device id request and waits up to one second for a datagram from any sender. Returns its size,
+/// or -1 with errno set.
 ssize_t askForDeviceId(in_addr responder, std::span<char> reply) {
     const UdpSocket socket;
     sockaddr_in address = socketAddress(responder, snmpPort);

@@ -1,8 +1,8 @@
-// Finds the series' printers on the local networks: an SNMPv1 probe to the all-hosts group from every local
-// IPv4 address, then to each responder a request for its IEEE 1284 device id (PWG 5107.1), one at a time.
+// Finds the series' printers on the local networks: sends an SNMPv1 probe to the all-hosts group from every
+// local IPv4 address, then asks each responder in turn for its IEEE 1284 device id (PWG 5107.1).
 //
-// How long a run takes: Timeout per local address at least, restarted by every datagram, and up to one second
-// per responder. At most 256 responders are asked.
+// Duration: at least Timeout per local address, restarted by every datagram, plus up to one second per
+// responder. At most 256 responders are asked.
 
 #pragma once
 
@@ -14,22 +14,21 @@
 #include <span>
 #include <stop_token>
 
-/// The printers of the last run, null until the first: "Enter IP Address Manually\n", then for each printer,
-/// none twice, "Tovik %s @%s\n" with the model name and the address in dotted decimal. Replaced by each run;
-/// nobody reads it while one is in progress.
+/// The result of the last run, null before the first: "Enter IP Address Manually\n", then for each printer,
+/// without duplicates, "Tovik %s @%s\n" with the model name and the address in dotted decimal. Replaced by
+/// each run; must not be read during a run.
 extern std::shared_ptr<QStringList> g_PrinterList;
 
-/// Makes g_PrinterList the list of a run that found no printer. Not during a run.
+/// Resets g_PrinterList to the result of a run that found no printers. Not during a run.
 void resetPrinterList();
 
-/// One run. Blocks; nothing is reported but the list and the diagnostic log. Any thread, one run at a time.
+/// Runs discovery. Blocks; errors are only logged. Any thread, one run at a time.
 void GetTovikQuazelPrinters();
 
-/// The same, for a caller that may have to leave: once `leaving` is requested the run ends within a second or
-/// one Timeout, whichever is longer, with the list as far as it has come.
+/// The same, with cancellation: after a stop request the run ends within one second or one Timeout, whichever
+/// is longer, and keeps the printers found so far.
 void GetTovikQuazelPrinters(const std::stop_token& leaving);
 
-/// Adds the printer that sent `reply` to g_PrinterList, which is not null, if it is one of the series and not
-/// in it yet. `reply` is what came in answer to the device id request and may hold anything. Same thread as
-/// the run.
+/// Adds the printer that sent `reply` to g_PrinterList (not null) if it belongs to the series and is not
+/// listed yet. `reply` is untrusted data received after the device id request. Same thread as the run.
 void addPrinterOfReply(std::span<const char> reply, in_addr responder);

@@ -21,8 +21,7 @@ std::int32_t Timeout = 1000;
 
 namespace {
 
-/// The address of an interface that is up, as IPv4; null for any other entry. Loopback and point-to-point
-/// interfaces count.
+/// The IPv4 address of an interface that is up, otherwise null. Loopback and point-to-point interfaces count.
 const sockaddr_in* usableAddress(const ifaddrs& entry) {
     if ((entry.ifa_flags & IFF_UP) == 0 || entry.ifa_addr == nullptr ||
         entry.ifa_addr->sa_family != AF_INET) {
@@ -31,27 +30,26 @@ const sockaddr_in* usableAddress(const ifaddrs& entry) {
     return reinterpret_cast<const sockaddr_in*>(entry.ifa_addr);
 }
 
-/// None of the results is looked at: a probe that was not sent brings no reply, and the quiet time passes.
+/// Errors are ignored: a probe that was not sent gets no reply, and the wait times out.
 void sendProbe(int descriptor, in_addr local) {
     const sockaddr_in from = socketAddress(local, 0);
     (void)::bind(descriptor, reinterpret_cast<const sockaddr*>(&from), sizeof(from));
     const sockaddr_in group = socketAddress({::inet_addr(allHostsGroup)}, snmpPort);
-    // Linux refuses a number here, where it takes a time structure: the wait is that of select alone.
+    // Linux rejects an int here (it expects a timeval), so only select() limits the wait.
     const std::int32_t receiveTimeout = 1000;
     ::setsockopt(descriptor, SOL_SOCKET, SO_RCVTIMEO, &receiveTimeout, sizeof(receiveTimeout));
     ::sendto(descriptor, probeRequest.data(), probeRequest.size(), 0,
              reinterpret_cast<const sockaddr*>(&group), sizeof(group));
 }
 
-/// select() on one descriptor, or on none (-1) for the bare wait.
+/// select() on one descriptor, or on none (-1) just to wait.
 int waitForDatagram(int descriptor) {
     fd_set readable;
     FD_ZERO(&readable);
     if (descriptor >= 0) {
         FD_SET(descriptor, &readable);
     }
-    timeval wait{std::max(Timeout / 1000, 0),
-                 0};  // Set before every call: Linux leaves the remaining time in it.
+    timeval wait{std::max(Timeout / 1000, 0), 0};  // Set each time: Linux overwrites it.
     errno = 0;
     return ::select(descriptor + 1, &readable, nullptr, nullptr, &wait);
 }
@@ -70,15 +68,15 @@ void receiveReply(int descriptor, ResponderTable& responders) {
         ++responders.failures;
         return;
     }
-    // Whoever sends anything to this port is a responder; what it is, its device id will tell.
+    // Any sender counts as a responder; its device id is checked later.
     responders.entries[static_cast<std::size_t>(responders.count)].address = source.sin_addr;
     ++responders.count;
 }
 
-/// Collects on one socket until it has been quiet for Timeout.
+/// Collects replies on one socket until none arrives for Timeout.
 void collectReplies(int descriptor, ResponderTable& responders, const std::stop_token& leaving) {
-    // A descriptor that does not fit a descriptor set would be written past its end. The socket is then one
-    // that brings no reply, like one that could not be opened.
+    // FD_SET on a descriptor of FD_SETSIZE or above would overflow the set. Such a socket is not listened on,
+    // like one that could not be opened.
     bool listening = descriptor >= 0 && descriptor < FD_SETSIZE;
     while (!responders.isClosed() && !leaving.stop_requested()) {
         const int ready = waitForDatagram(listening ? descriptor : -1);
@@ -89,7 +87,7 @@ void collectReplies(int descriptor, ResponderTable& responders, const std::stop_
             const int error = errno;
             tDebugPrint("Select return -1 %d\n", error);
             ++responders.failures;
-            // After a signal the wait starts anew. Any other error would come back at once, for ever.
+            // After a signal, wait again. Any other error would recur at once, in an endless loop.
             listening = listening && error == EINTR;
             continue;
         }

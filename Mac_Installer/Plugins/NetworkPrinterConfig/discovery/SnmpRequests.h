@@ -1,5 +1,5 @@
-// The two requests that discovery sends: SNMPv1 messages in BER (RFC 1157), every length in the short form.
-// They are constant; replies are never matched to them by request id.
+// The two requests of discovery: SNMPv1 messages in BER (RFC 1157), all lengths in short form. They are
+// constant; replies are not matched by request id.
 
 #pragma once
 
@@ -10,11 +10,11 @@
 inline constexpr std::uint16_t snmpPort = 161;
 inline constexpr const char* allHostsGroup = "224.0.0.1";
 
-/// The printers' factory-default read-only community: six octets, so that the lengths below hold.
+/// The printers' factory-default read-only community. The lengths below assume six octets.
 inline constexpr std::array<std::uint8_t, 6> community{'p', 'u', 'b', 'l', 'i', 'c'};
 
 /// GetNextRequest, request id 1, for 1.3.6.1.2.1.43, the root of the Printer MIB (RFC 3805): every printer
-/// has something behind it.
+/// has an object after it.
 inline constexpr std::array<std::uint8_t, 38> probeRequest{
     0x30,         0x24,                                                    // SEQUENCE: the message
     0x02,         0x01,         0x00,                                      // version: SNMPv1

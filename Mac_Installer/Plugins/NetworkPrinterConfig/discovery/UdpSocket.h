@@ -1,4 +1,4 @@
-// A UDP socket over IPv4 that closes itself, and the text form of its addresses.
+// RAII wrapper for an IPv4 UDP socket, and conversion of its addresses.
 
 #pragma once
 
@@ -12,8 +12,7 @@
 
 class UdpSocket {
   public:
-    /// A socket that could not be opened has the descriptor -1; every call on it fails, and it brings no
-    /// reply.
+    /// If the socket can't be opened the descriptor is -1, and every call on it fails.
     UdpSocket() : descriptor_(::socket(AF_INET, SOCK_DGRAM, IPPROTO_UDP)) {}
     UdpSocket(const UdpSocket&) = delete;
     UdpSocket& operator=(const UdpSocket&) = delete;
@@ -29,7 +28,7 @@ class UdpSocket {
     int descriptor_;
 };
 
-/// A socket address from its parts; `port` in host byte order.
+/// Builds a socket address; `port` in host byte order.
 [[nodiscard]] inline sockaddr_in socketAddress(in_addr address, std::uint16_t port) {
     sockaddr_in result{};
     result.sin_family = AF_INET;
@@ -40,7 +39,7 @@ class UdpSocket {
 
 using DottedDecimal = std::array<char, INET_ADDRSTRLEN>;
 
-/// The address in dotted decimal, NUL-terminated; empty when it has no such form.
+/// The address in dotted decimal, NUL-terminated; empty if the conversion fails.
 [[nodiscard]] inline DottedDecimal dottedDecimal(in_addr address) {
     DottedDecimal text{};
     if (::inet_ntop(AF_INET, &address, text.data(), text.size()) == nullptr) {

@@ -32,9 +32,8 @@ QString logFilePath() {
 
 constexpr std::string_view recordStart = QUAZEL_BUILD_DATE "\t";
 
-/// The log file, open for one record. The system calls are those of a stream in mode "ab+", without the
-/// stream: making and freeing it took longer than the writing, and a record longer than its buffer was
-/// written in pieces.
+/// The log file, open for one record. Makes the same system calls as a stream in mode "ab+", but without the
+/// stream, which took longer to set up and free than the write and split records longer than its buffer.
 class LogFile {
   public:
     explicit LogFile(const char* path) : descriptor_(::open(path, O_RDWR | O_CREAT | O_APPEND, 0666)) {}
@@ -57,7 +56,7 @@ class LogFile {
     int descriptor_;
 };
 
-/// Writes the record's start and the message into `room` as far as they fit. Returns the length of all of it.
+/// Formats the record into `room`, truncated to fit. Returns the length of the whole record.
 [[gnu::format(printf, 2, 0)]] std::size_t formatRecord(std::span<char> room, const char* format,
                                                        va_list arguments) {
     const std::size_t start = recordStart.copy(room.data(), room.size());
@@ -66,7 +65,7 @@ class LogFile {
     return start + static_cast<std::size_t>(std::max(length, 0));
 }
 
-/// Any message of the page but the longest fits the room on the stack.
+/// The stack buffer holds all but the longest records.
 [[gnu::format(printf, 2, 0)]] void appendRecord(const LogFile& log, const char* format, va_list arguments) {
     va_list again;
     va_copy(again, arguments);
@@ -88,7 +87,7 @@ QString GetDocumentPath() {
     QString path = logFilePath();
     const FileError error = removeItemAtPath(path);
     if (error.code != FileError::none && error.code != FileError::noSuchFile) {
-        // The prefix is what support staff look for, although it names the one error that is not reported.
+        // Support staff search for this prefix, although it names the one error that is not reported.
         systemLog(u"NSFileNoSuchFileError %@", {error.description});
     }
     return path;
@@ -120,7 +119,7 @@ void keepEarlierLog() {
     const QString time = log.lastModified().toString(QStringLiteral("yyyy-MM-dd-HHmmss"));
     const QString start = log.dir().filePath(QStringLiteral("QzInstall-") + time);
     QString kept = start + QStringLiteral(".log");
-    // The name is taken when a log of the same second has been kept before.
+    // The name exists if another log of the same second was kept.
     for (int number = 2; !QFile::rename(log.filePath(), kept) && QFileInfo::exists(kept); ++number) {
         kept = start + QStringLiteral("-%1.log").arg(number);
     }

@@ -26,8 +26,7 @@ void writeToTextFile(const QString& line) {
     }
     systemLog(u"writeToTextFile");
     tDebugPrint("writeToTextFile %s\n", UTF8String(line).c_str());
-    // A failed write is not told apart: the installation goes on, and its later steps notice the missing
-    // line.
+    // A failed write is ignored: the installation continues, and its later steps detect the missing line.
     writeAsciiToFile(line, selectionFileIn(directory));
     systemLog(u"writeToTextFile end");
     tDebugPrint("writeToTextFile END\n");
@@ -36,8 +35,8 @@ void writeToTextFile(const QString& line) {
 void RemoveFile() {
     tDebugPrint("Inside RemoveFile\n");
     const FileError error = removeItemAtPath(selectionFileIn(documentsDirectory()));
-    // A removal that succeeded has a null description and leaves the line "(null)": only a file that was not
-    // there stays silent.
+    // After a successful removal the description is null and logged as "(null)"; only a missing file is not
+    // logged.
     if (error.code != FileError::noSuchFile) {
         systemLog(u"%@", {error.description});
     }

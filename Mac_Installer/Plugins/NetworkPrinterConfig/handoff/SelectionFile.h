@@ -1,20 +1,18 @@
-// The hand-off to the later steps of the installation: KV.txt in the user's documents folder, one ASCII line
-// without a line end, such as "KV260 192.168.1.40": model name, one blank, address as the user gave it.
+// The hand-off to the later installation steps: KV.txt in the user's documents folder, one ASCII line without
+// a line end, such as "KV260 192.168.1.40": model name, one space, address as entered by the user.
 //
-// All three functions run on the main thread and report nothing to their caller; what went wrong is in the
-// logs.
+// All three functions run on the main thread and report errors only in the logs.
 
 #pragma once
 
 #include <QString>
 
-/// Replaces the file's content with `line`, in place. A line that is null or not ASCII leaves the file as it
-/// was.
+/// Overwrites the file in place with `line`. If `line` is null or not ASCII, the file is left unchanged.
 void writeToTextFile(const QString& line);
 
-/// Removes the file. Any outcome but its absence leaves a line in the system log; a success leaves "(null)".
+/// Removes the file. Every outcome except a missing file is logged to the system log; success as "(null)".
 void RemoveFile();
 
-/// The whole text of the file at `path` as UTF-8: the empty string when nothing is there, null when it can't
-/// be read or is not UTF-8.
+/// The file at `path` as UTF-8 text: empty if the file doesn't exist, null if it can't be read or is not
+/// UTF-8.
 [[nodiscard]] QString GetFileData(const QString& path);

@@ -1,5 +1,5 @@
-// References to controls that two threads may read: one read or one write at a time, and a reference reads as
-// null once its object is gone.
+// References shared between two threads. Each load or store is atomic, and a reference to a destroyed object
+// reads as null.
 
 #pragma once
 
@@ -9,9 +9,8 @@
 #include <memory>
 #include <mutex>
 
-/// A reference that does not own its object and reads as null once the object is gone. One load or one store
-/// is atomic; what is done with the object is the caller's business. Objects are destroyed on the main thread
-/// only.
+/// A non-owning reference. Each load or store is atomic; access to the object itself is not synchronized.
+/// Objects must be destroyed on the main thread.
 template <class Object>
 class WeakReference {
   public:
@@ -30,9 +29,9 @@ class WeakReference {
     QPointer<Object> object_;
 };
 
-/// A reference that owns its object together with the object's parent, if it has one: a control is destroyed
-/// with its parent widget, or else when this reference is replaced or goes away. One load or one store is
-/// atomic. Stores, and the destruction of the reference, happen on the main thread only.
+/// A reference that shares ownership with the object's parent: the object is destroyed with its parent or, if
+/// it has none, when this reference is replaced or destroyed. Each load or store is atomic. Stores and
+/// destruction on the main thread only.
 template <class Object>
 class OwningReference {
   public:
@@ -55,7 +54,7 @@ class OwningReference {
     WeakReference<Object> object_;
 };
 
-/// The same as WeakReference for a text: reads as null once nobody else keeps the text.
+/// WeakReference for a text, owned by shared_ptr: reads as null once no owner is left.
 template <>
 class WeakReference<const QString> {
   public:

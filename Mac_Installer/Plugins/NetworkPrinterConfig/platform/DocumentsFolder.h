@@ -1,9 +1,9 @@
-// The one question the page asks about folders: where the current user's documents lie.
+// Location of the current user's documents folder.
 
 #pragma once
 
 #include <QString>
 
-/// The current user's first documents folder as the XDG user directories name it, or a null string when there
-/// is none. The folder need not exist. Asked anew at every call. Any thread.
+/// The current user's first documents folder according to the XDG user directories, or null if there is none.
+/// The folder need not exist. Looked up on every call. Any thread.
 [[nodiscard]] QString documentsDirectory();

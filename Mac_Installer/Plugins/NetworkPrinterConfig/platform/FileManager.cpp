@@ -30,8 +30,8 @@ int codeOf(const std::error_code& error) {
 FileError removeItemAtPath(const QString& path) {
     const std::filesystem::path item(QFile::encodeName(path).toStdString());
     std::error_code error;
-    // remove_all finds nothing wrong with a path where nothing is; callers must be able to tell. Its count
-    // also tells of an item that another process removed first, which no check beforehand would.
+    // remove_all() doesn't fail if the path does not exist, but callers must be able to tell. Unlike a check
+    // beforehand, its count also covers an item that another process removes first.
     if (std::filesystem::remove_all(item, error) == 0) {
         error = std::make_error_code(std::errc::no_such_file_or_directory);
     }

@@ -43,7 +43,7 @@ void MainThreadGate::runPending() {
 void MainThreadGate::close() {
     const std::lock_guard lock(mutex_);
     closed_ = true;
-    // Its queued events go with it.
+    // Also drops its queued events.
     doorbell_.reset();
     changed_.notify_all();
 }

@@ -1,10 +1,9 @@
-// The way from a background thread to the controls: the thread hands a task to the main thread and waits
-// until it has run. The gate is closed when what the tasks work on goes away; from then on nothing is run,
-// and nobody waits.
+// Lets a background thread run tasks on the main thread and wait for them. Once the gate is closed, no task
+// is run and no caller waits.
 //
-// The task travels under the gate's own lock; the event queue only wakes the main thread.
-// Qt::BlockingQueuedConnection would not do: a main thread that waits for the background thread would wait
-// for ever, and a receiver that dies in between counts as success.
+// The task is passed under the gate's own lock; the event queue only wakes the main thread.
+// Qt::BlockingQueuedConnection is unsuitable: it deadlocks if the main thread waits for the background
+// thread, and it reports success if the receiver is destroyed meanwhile.
 
 #pragma once
 
@@ -23,13 +22,12 @@ class MainThreadGate {
     MainThreadGate& operator=(const MainThreadGate&) = delete;
     ~MainThreadGate();
 
-    /// Runs `task` on the main thread and returns true once it has run. Returns false, without running it now
-    /// or later, when the gate is closed or is closed while waiting. One background thread at a time; never
-    /// the main thread. `task` must not throw.
+    /// Runs `task` on the main thread and returns true once it has finished. Returns false if the gate is
+    /// closed, or gets closed before the task starts; the task is then never run. One background thread at a
+    /// time; never the main thread. `task` must not throw.
     [[nodiscard]] bool runAndWait(const std::function<void()>& task);
 
-    /// Main thread, but not from within a task. Returns at once; a waiting thread wakes and is told that its
-    /// task did not run.
+    /// Main thread, but not from within a task. Returns at once; a waiting thread's runAndWait returns false.
     void close();
 
   private:

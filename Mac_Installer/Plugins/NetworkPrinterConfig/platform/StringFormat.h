@@ -1,5 +1,5 @@
-// Object formats: texts with "%@" in them, each replaced by the next argument. Texts that the program writes
-// to the system log, to files and to alerts stand as such formats, unchanged, at the place that writes them.
+// String formatting with "%@" placeholders. Format strings for the system log, files and alerts appear
+// verbatim where they are used.
 
 #pragma once
 
@@ -10,11 +10,10 @@
 #include <concepts>
 #include <initializer_list>
 
-/// How a null text shows.
+/// Text shown for null.
 inline constexpr const char* nullText = "(null)";
 
-/// One argument of an object format: a string (null shows as "(null)"), a whole number, or a truth value (1
-/// or 0).
+/// One argument of a format: a string (null becomes "(null)"), an integer, or a boolean (1 or 0).
 class FormatArgument {
   public:
     FormatArgument(const QString& text) : text_(text.isNull() ? QString::fromLatin1(nullText) : text) {}
@@ -27,17 +26,17 @@ class FormatArgument {
     QString text_;
 };
 
-/// Replaces each "%@" of `format`, in order, by the next of `arguments`; arguments are never scanned for "%@"
-/// themselves. A "%@" without an argument stands as it is. Any thread.
+/// Replaces each "%@" of `format`, in order, with the next argument; arguments are not scanned for "%@". A
+/// "%@" without an argument is kept. Any thread.
 [[nodiscard]] QString stringWithFormat(QStringView format, std::initializer_list<FormatArgument> arguments);
 
-/// A text as the NUL-terminated UTF-8 that printf's "%s" takes; a null text becomes "(null)", which keeps
-/// "%s" from reading through a null pointer.
+/// A string as NUL-terminated UTF-8 for printf's "%s"; null becomes "(null)", so that "%s" never gets a null
+/// pointer.
 class UTF8String {
   public:
     explicit UTF8String(const QString& text) : bytes_(text.isNull() ? QByteArray(nullText) : text.toUtf8()) {}
 
-    /// Valid as long as this object.
+    /// Valid for the lifetime of this object.
     [[nodiscard]] const char* c_str() const { return bytes_.constData(); }
 
   private:

@@ -4,7 +4,7 @@
 
 void setUserDefault(const QString& key, bool value) {
     QSettings settings;
-    // A write goes through to the disk, which took longer than anything else of the page's making.
+    // Write only changes: writing to disk took longer than any other part of creating the page.
     if (!settings.contains(key) || settings.value(key).toBool() != value) {
         settings.setValue(key, value);
     }

@@ -4,6 +4,5 @@
 
 #include <QString>
 
-/// Stores a setting under the running application's name; a failure to store it is of no consequence and is
-/// not reported. Main thread.
+/// Stores a setting under the running application's name; failures are harmless and ignored. Main thread.
 void setUserDefault(const QString& key, bool value);

@@ -6,7 +6,7 @@
 #include <QWheelEvent>
 
 ComboBox::ComboBox(QWidget* parent) : QComboBox(parent) {
-    setFocusPolicy(Qt::StrongFocus);  // Not the default WheelFocus: the wheel would take the focus first.
+    setFocusPolicy(Qt::StrongFocus);  // The default WheelFocus would give it the focus before wheelEvent().
     connect(this, &QComboBox::currentIndexChanged, this, &ComboBox::selectionDidChange);
 }
 
@@ -20,7 +20,7 @@ void ComboBox::addItemWithObjectValue(const QString& value) {
 }
 
 void ComboBox::addItemsWithObjectValues(const QStringList& values) {
-    // The base class selects the first item that an empty list receives.
+    // QComboBox selects the first item added to an empty list.
     const QSignalBlocker blocker(this);
     const int selected = currentIndex();
     addItems(values);

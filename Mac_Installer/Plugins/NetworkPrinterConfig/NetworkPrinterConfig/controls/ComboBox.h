@@ -1,5 +1,5 @@
-// A drop-down list of texts. Filling and emptying it is no selection; only a chosen item is. Without the
-// focus the closed list ignores the wheel, which then scrolls the page.
+// A drop-down list of texts. Filling or emptying it does not emit selectionDidChange. Without focus the
+// closed list ignores the wheel, so that the page scrolls instead.
 
 #pragma once
 
@@ -13,21 +13,20 @@ class ComboBox : public QComboBox {
   public:
     explicit ComboBox(QWidget* parent = nullptr);
 
-    /// Leaves the list empty and nothing selected. Sends nothing.
+    /// Empties the list and clears the selection. Emits nothing.
     void removeAllItems();
 
-    /// Add at the end; what is selected stays so, nothing included. Send nothing.
+    /// Append to the list; the selection, or its absence, is kept. Emit nothing.
     void addItemWithObjectValue(const QString& value);
     void addItemsWithObjectValues(const QStringList& values);
 
-    /// Selects an item, counted from 0; sends selectionDidChange before it returns, unless it was selected
-    /// already.
+    /// Selects an item, counted from 0; emits selectionDidChange before it returns, unless already selected.
     void selectItemAtIndex(int index);
 
-    /// The selected item's text, or null when nothing is selected.
+    /// The selected item's text, or null if none is selected.
     [[nodiscard]] QString objectValueOfSelectedItem() const;
 
-    /// Does nothing while the list is not operable: an assistive program may ask all the same.
+    /// Does nothing while the list is not operable, as assistive programs may call it at any time.
     void showPopup() override;
 
   signals:

@@ -1,4 +1,5 @@
-// Messages to controls that may be gone: without a receiver they do nothing, and answer null, zero or no.
+// Calls to controls that may be null: tell() then does nothing, ask() returns a default value (null, 0,
+// false).
 
 #pragma once
 

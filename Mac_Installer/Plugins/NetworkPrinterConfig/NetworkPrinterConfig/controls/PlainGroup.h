@@ -1,4 +1,4 @@
-// A group box that groups without a frame or title of its own, where its content has both.
+// A group box without frame and title, for content that has both.
 
 #pragma once
 

@@ -6,7 +6,7 @@ ProgressIndicator::ProgressIndicator(QWidget* parent) : QProgressBar(parent) {
 }
 
 void ProgressIndicator::startAnimation() {
-    setRange(0, 0);  // An empty range is what makes the bar busy.
+    setRange(0, 0);  // An empty range makes the bar indeterminate.
 }
 
 void ProgressIndicator::stopAnimation() {

@@ -1,4 +1,4 @@
-// A bar that shows that something goes on, without saying how far it has come.
+// An indeterminate progress bar.
 
 #pragma once
 
@@ -11,13 +11,12 @@ class ProgressIndicator : public QProgressBar {
   public:
     explicit ProgressIndicator(QWidget* parent = nullptr);
 
-    /// The animation is driven by the main thread's timers, which stay free as long as the work is done
-    /// elsewhere.
+    /// The animation uses main-thread timers, so it stops while the main thread is blocked.
     void startAnimation();
     void stopAnimation();
     [[nodiscard]] bool isAnimating() const;
 
-    /// A text beside the bar that is shown and hidden together with it.
+    /// A label that is shown and hidden together with the bar.
     void setCaption(QWidget* caption);
 
     void setVisible(bool visible) override;

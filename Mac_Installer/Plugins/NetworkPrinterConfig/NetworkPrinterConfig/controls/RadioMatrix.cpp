@@ -10,8 +10,8 @@
 
 namespace {
 
-/// A radio button whose circle stands out from the window. Fusion outlines it in the window's colour made
-/// darker, which can hardly be seen in a dark palette.
+/// A radio button whose circle contrasts with the window. Fusion derives the outline from a darkened window
+/// colour, which is hardly visible in a dark palette.
 class Cell : public QRadioButton {
   public:
     using QRadioButton::QRadioButton;
@@ -33,8 +33,8 @@ RadioMatrix::RadioMatrix(QWidget* parent)
     : QWidget(parent), grid_(new QGridLayout(this)), group_(new QButtonGroup(this)) {
     grid_->setContentsMargins(0, 0, 0, 0);
     grid_->setVerticalSpacing(2);
-    // A selection may come without a click (an assistive "Toggle"); a click on the selected cell selects
-    // nothing.
+    // Toggled signals also cover selections without a click (an assistive "Toggle"), but not a click on the
+    // selected cell.
     connect(group_, &QButtonGroup::idToggled, this, [this](int /*index*/, bool isSelected) {
         keepTabStopOnSelection();
         if (isSelected && !isSelecting_) {
@@ -77,8 +77,8 @@ void RadioMatrix::setDescriptions(const QStringList& descriptions) {
     }
 }
 
-/// Tab reaches the selected cell alone. Qt sees to that only when a cell gets the focus, which none does
-/// while the matrix is disabled.
+/// Makes the selected cell the only tab stop. Qt does this only when a cell gets the focus, which can't
+/// happen while the matrix is disabled.
 void RadioMatrix::keepTabStopOnSelection() {
     const bool isAnySelected = group_->checkedId() >= 0;
     for (QAbstractButton* const cell : group_->buttons()) {

@@ -1,5 +1,5 @@
-// Radio buttons in rows and columns, of which one is selected. Selecting a cell from the program is silent;
-// every selection by the user sends the action, and so does a click on the selected cell.
+// A grid of radio buttons, of which one is selected. Programmatic selection emits nothing; every selection by
+// the user emits action(), as does a click on the selected cell.
 
 #pragma once
 
@@ -12,9 +12,9 @@ class QGridLayout;
 
 class RadioMatrix : public QWidget {
     Q_OBJECT
-    /// The cells' labels with their mnemonics, row by row. For the form; set once, after the columns.
+    /// The cells' labels with mnemonics, row by row. For the form; set once, after the columns.
     Q_PROPERTY(QStringList cells READ cells WRITE setCells)
-    /// A sentence below each cell, at most as many as cells. For the form; set once, after the cells.
+    /// A description below each cell, at most one per cell. For the form; set once, after the cells.
     Q_PROPERTY(QStringList descriptions READ descriptions WRITE setDescriptions)
 
   public:
@@ -26,27 +26,27 @@ class RadioMatrix : public QWidget {
     void setCells(const QStringList& labels);
     void setDescriptions(const QStringList& descriptions);
 
-    /// Row and column of the selected cell, from 0; -1 when none is.
+    /// Row and column of the selected cell, from 0; -1 if none is selected.
     [[nodiscard]] int selectedRow() const;
     [[nodiscard]] int selectedColumn() const;
 
-    /// Selects a cell, which deselects the one that was. Does nothing for a place without a cell.
+    /// Selects a cell and deselects the previous one. No effect if there is no such cell.
     void selectCellAtRow(int row, int column) { setState(1, row, column); }
 
-    /// Switches a cell on (1) or off (0); the selected cell stays on until another is selected.
+    /// Checks (1) or unchecks (0) a cell; the selected cell stays checked until another is selected.
     void setState(int state, int row, int column);
 
     /// The buttons, row by row.
     [[nodiscard]] QList<QAbstractButton*> buttons() const;
 
-    /// The button at a place, or null.
+    /// The button of a cell, or null if there is none.
     [[nodiscard]] QAbstractButton* cellAt(int row, int column) const;
 
   signals:
     void action();
 
   private:
-    /// Below each row of cells there is one of sentences and a gap.
+    /// Each row of cells is followed by a row of descriptions and a gap.
     [[nodiscard]] int gridRow(int index) const { return 3 * (index / columns_); }
     void keepTabStopOnSelection();
 
@@ -55,6 +55,6 @@ class RadioMatrix : public QWidget {
     int columns_ = 1;
     QGridLayout* grid_;
     QButtonGroup* group_;       // the cells, numbered row by row
-    bool isSelecting_ = false;  // the program selects
-    bool wasSelected_ = false;  // before the press that is under way
+    bool isSelecting_ = false;  // programmatic selection in progress
+    bool wasSelected_ = false;  // whether the cell was selected before the current press
 };

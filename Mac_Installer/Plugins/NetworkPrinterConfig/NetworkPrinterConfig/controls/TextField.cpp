@@ -10,15 +10,15 @@
 
 #include <utility>
 
-/// Stands between the line edit and the formatter. QLineEdit asks its validator once per change, but obeys it
-/// only for keys, paste and drop; the verdict is kept for the other ways to change the text.
+/// Wraps the formatter. QLineEdit validates once per change, but obeys the result only for keys, paste and
+/// drop; the verdict is kept for all other changes.
 class TextField::Guard : public QValidator {
   public:
     explicit Guard(TextField* field) : QValidator(field), field_(field) {}
 
     State validate(QString& text, int& cursor) const override {
         if (field_->isProgram_ || text == field_->accepted_) {
-            verdict = Acceptable;  // Not an edit: the line edit also validates when it loses the focus.
+            verdict = Acceptable;  // Not an edit: QLineEdit also validates on focus loss.
         } else if (!field_->isEditable() || !isOperable(field_)) {
             verdict = Invalid;
         } else {
@@ -28,7 +28,7 @@ class TextField::Guard : public QValidator {
     }
 
     QValidator* formatter = nullptr;     // child
-    mutable State verdict = Acceptable;  // on the last edit
+    mutable State verdict = Acceptable;  // of the last edit
 
   private:
     const TextField* field_;
@@ -91,8 +91,8 @@ void TextField::endEditing() {
     emit didEndEditing();
 }
 
-/// An input method shows its preedit in place of the selected text, which QLineEdit deletes as an edit of its
-/// own. Only a commit, or a replacement of the text around it, counts as an edit.
+/// An input method's preedit replaces the selected text, which QLineEdit deletes as an edit of its own. Only
+/// a commit or a replacement of surrounding text counts as an edit.
 void TextField::inputMethodEvent(QInputMethodEvent* event) {
     guard_->verdict = QValidator::Acceptable;
     {
@@ -110,7 +110,7 @@ void TextField::inputMethodEvent(QInputMethodEvent* event) {
     }
 }
 
-/// The mnemonic of a disabled button must not type its letter.
+/// The mnemonic of a disabled button must not be typed into the field.
 void TextField::keyPressEvent(QKeyEvent* event) {
     if (event->modifiers().testFlag(Qt::AltModifier)) {
         event->ignore();
@@ -126,7 +126,7 @@ void TextField::changeEvent(QEvent* event) {
     QLineEdit::changeEvent(event);
 }
 
-/// Some desktops' dark palettes leave the placeholder's colour as it was for a light one.
+/// Some desktops' dark palettes keep the placeholder colour of the light one.
 void TextField::keepPlaceholderReadable() {
     constexpr float strength = 0.65F;
     QPalette colours = palette();

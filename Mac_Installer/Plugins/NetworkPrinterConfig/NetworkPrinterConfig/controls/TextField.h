@@ -1,9 +1,8 @@
-// A line of text that a formatter guards, and that tells when the user begins and ends editing it.
+// A line edit with a formatter and signals for the start and end of editing by the user.
 //
-// Every change that the program does not make itself counts as an edit, by keys, paste, drop, input method or
-// an assistive program: the formatter sees the whole text that it would leave, a refused edit leaves
-// the old text, and a field that is locked (not editable, disabled, hidden or behind an alert) stays as it
-// is.
+// Every change not made by the program counts as an edit, whether by keys, paste, drop, input method or an
+// assistive program. The formatter checks the whole resulting text, and a rejected edit restores the old one.
+// A field that is read-only, disabled, hidden or behind an alert does not change.
 
 #pragma once
 
@@ -19,20 +18,20 @@ class TextField : public QLineEdit {
   public:
     explicit TextField(QWidget* parent = nullptr);
 
-    /// Sets the text without any of the signals below; the formatter is not asked.
+    /// Sets the text without emitting the signals below or calling the formatter.
     void setStringValue(const QString& text);
 
-    /// The text; empty but never null.
+    /// The text; never null.
     [[nodiscard]] QString stringValue() const;
 
     void setEditable(bool editable);
     [[nodiscard]] bool isEditable() const { return !isReadOnly(); }
 
-    /// The field owns the formatter from now on. It answers Acceptable or Invalid, and beeps by itself.
+    /// Takes ownership of the formatter, which returns Acceptable or Invalid and beeps by itself.
     void setFormatter(QValidator* formatter);
 
   signals:
-    /// The user's first change since editing last ended. An edit while the field has no focus ends at once.
+    /// The user's first change since editing last ended. An edit without focus ends immediately.
     void didBeginEditing();
     void didEndEditing();
 
@@ -51,8 +50,8 @@ class TextField : public QLineEdit {
     void endEditing();
 
     Guard* guard_;
-    QString accepted_;          // the text as the last edit or the program left it
-    bool isProgram_ = false;    // the program changes the text
-    bool isComposing_ = false;  // an input method's event is being handled
+    QString accepted_;          // text after the last edit or setStringValue()
+    bool isProgram_ = false;    // programmatic change in progress
+    bool isComposing_ = false;  // input method event in progress
     bool isBeingEdited_ = false;
 };

@@ -1,7 +1,7 @@
 <?xml version="1.0" encoding="utf-8"?>
 <!DOCTYPE TS>
-<!-- A language of its own is a file like this one, NetworkPrinterConfig_xx.ts, named in CMakeLists.txt; lupdate adds the
-     page's other texts to it. PaneTitle is looked up by its id, which is a source text in the context without a name. -->
+<!-- To add a language, copy this file to NetworkPrinterConfig_xx.ts and list it in CMakeLists.txt; lupdate
+     adds the page's other texts. PaneTitle is looked up by its id, a source text in the unnamed context. -->
 <TS version="2.1" language="en">
 <context>
     <name></name>
