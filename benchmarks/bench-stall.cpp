@@ -3,17 +3,17 @@
 // timer of one millisecond. Fails outside of a private network, and when the list does not have PRINTERS
 // printers at the end.
 
-#include "Installer/DocumentsFolder.h"
+#include "Installer/HandOffFolder.h"
 #include "Installer/InstallerWindow.h"
 #include "Installer/IntroductionPane.h"
 #include "Installer/PluginLoader.h"
 #include "Installer/SummaryPane.h"
 
-#include <QAbstractButton>
 #include <QApplication>
 #include <QComboBox>
 #include <QElapsedTimer>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QTimer>
 
 #include <algorithm>
@@ -60,7 +60,7 @@ int main(int argc, char** argv) {
     if (argc != 3 || !qEnvironmentVariableIsSet("QUAZEL_PRIVATE_NETWORK")) {
         return 2;
     }
-    std::vector<InstallerPane*> pages{new IntroductionPane(prepareDocumentsFolder(), qApp)};
+    std::vector<InstallerPane*> pages{new IntroductionPane(prepareHandOffFolder(), qApp)};
     const LoadedPages loaded = loadPages(QString::fromLocal8Bit(argv[1]), qApp);
     pages.insert(pages.end(), loaded.pages.begin(), loaded.pages.end());
     pages.push_back(new SummaryPane(qApp));
