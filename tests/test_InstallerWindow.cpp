@@ -15,18 +15,19 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Takes its time to let the user go, and counts how often.
+/// Lets the user go, and counts how often.
 struct Page : InstallerPane {
     Page() { setContentWidget(new QLineEdit); }
 
     [[nodiscard]] QString title() const override { return u"Page"_s; }
     [[nodiscard]] bool shouldExitPane(InstallerDirection /*direction*/) override {
         ++departures;
-        QTest::qSleep(2 * QApplication::doubleClickInterval());
+        whileDeciding();
         return true;
     }
 
     int departures = 0;
+    std::function<void()> whileDeciding = [] {};
 };
 
 }  // namespace
@@ -35,22 +36,27 @@ class TestInstallerWindow : public QObject {
     Q_OBJECT
 
   private slots:
-    /// A page may refuse between a press and its click.
-    void looksWhetherAButtonIsEnabled() {
+    void initTestCase() { QApplication::setDoubleClickInterval(400); }
+
+    void ignoresClicksThatCantCount() {
         auto* const page = new Page;
-        InstallerWindow window({page, new Page});
-        window.findChild<QPushButton*>(u"next"_s)->animateClick();  // Clicks after 100 ms, enabled or not.
+        InstallerWindow window({page, new Page, new Page});
+        auto* const next = window.findChild<QPushButton*>(u"next"_s);
         page->setNextEnabled(false);
-        QTest::qWait(150);
+        emit next->clicked();  // As by a deferred click, enabled or not.
         QCOMPARE(page->departures, 0);
+        page->setNextEnabled(true);
+        page->whileDeciding = [=] { next->click(); };  // In an event loop of the page's own.
+        next->click();
+        QCOMPARE(page->departures, 1);
     }
 
     /// What counts is when the button was pressed, not when a busy page left time to handle it.
     void countsPressesByTheirOwnTime() {
+        auto* const first = new Page;
         auto* const second = new Page;
-        InstallerWindow window({new Page, second, new Page});
-        window.show();
-        QVERIFY(QTest::qWaitForWindowActive(&window));
+        first->whileDeciding = [] { QTest::qSleep(500); };
+        InstallerWindow window({first, second, new Page});
         const auto secondLeftAfterPressAt = [&](quint64 time) {
             QKeyEvent press(QEvent::KeyPress, Qt::Key_Return, {}, u"\r"_s);
             press.setTimestamp(time);
@@ -60,6 +66,25 @@ class TestInstallerWindow : public QObject {
         QCOMPARE(secondLeftAfterPressAt(1000), 0);
         QCOMPARE(secondLeftAfterPressAt(1100), 0);
         QCOMPARE(secondLeftAfterPressAt(1500), 1);
+    }
+
+    /// The second press of a double click is there before the first release has been dealt with.
+    void knowsADoubleClickThatComesAtOnce() {
+        auto* const second = new Page;
+        InstallerWindow window({new Page, second, new Page});
+        auto* const next = window.findChild<QPushButton*>(u"next"_s);
+        const auto send = [&](QEvent::Type type, quint64 time) {
+            QMouseEvent event(type, QPointF(5, 5), next->mapToGlobal(QPointF(5, 5)), Qt::LeftButton,
+                              type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton, {});
+            event.setTimestamp(time);
+            QApplication::sendEvent(next, &event);
+        };
+        send(QEvent::MouseButtonPress, 1000);
+        send(QEvent::MouseButtonRelease, 1050);
+        send(QEvent::MouseButtonPress, 1100);
+        QCoreApplication::processEvents();
+        send(QEvent::MouseButtonRelease, 1150);
+        QCOMPARE(second->departures, 0);
     }
 
     void summaryTellsWhatIsHandedOn() {

@@ -53,12 +53,24 @@ bool PressGuard::eventFilter(QObject* /*watched*/, QEvent* event) {
             return false;
         }
         case QEvent::MouseButtonRelease:
+            forgetOnceHandled(0);
+            return false;
         case QEvent::KeyRelease:
-            // A click after the release has been handled comes from another source.
-            QMetaObject::invokeMethod(
-                this, [this] { seen_ = {}; }, Qt::QueuedConnection);
+            forgetOnceHandled(static_cast<QKeyEvent*>(event)->key());
             return false;
         default:
             return false;
+    }
+}
+
+/// A click that comes after the release has been handled has another cause. The next press may come first.
+void PressGuard::forgetOnceHandled(int key) {
+    if (key == seen_.key) {
+        const auto forget = [this, released = seen_.time] {
+            if (seen_.time == released) {
+                seen_ = {};
+            }
+        };
+        QMetaObject::invokeMethod(this, forget, Qt::QueuedConnection);
     }
 }

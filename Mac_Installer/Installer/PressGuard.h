@@ -29,6 +29,8 @@ class PressGuard : public QObject {
         quint64 time = 0;  // platform time in milliseconds; 0 if none
     };
 
+    void forgetOnceHandled(int key);
+
     Press seen_;     // the last press, until its release
     Press counted_;  // the last press that counted
 };

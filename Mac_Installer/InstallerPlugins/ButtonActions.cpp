@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QAccessibleWidget>
 #include <QApplication>
+#include <QInputMethod>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QShortcutEvent>
@@ -26,6 +27,7 @@ class MnemonicFilter : public QObject {
             if (button->isCheckable()) {
                 button->setFocus(Qt::ShortcutFocusReason);  // Like Qt: the arrow keys start from here.
             }
+            QGuiApplication::inputMethod()->commit();  // What is being composed still counts.
             button->click();
         }
         return true;

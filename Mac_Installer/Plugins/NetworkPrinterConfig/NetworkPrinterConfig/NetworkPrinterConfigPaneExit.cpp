@@ -57,7 +57,7 @@ QString queueKey(const QString& model, const QString& address) {
 bool NetworkPrinterConfigPane::shouldExitPane(InstallerDirection direction) {
     tDebugPrint("shouldExitPane\n");
     const bool mayLeave = direction != InstallerDirectionForward || mayGoForward();
-    selectPrinterModel({});
+    modelOfDecision_.reset();
     if (mayLeave) {
         tDebugPrint("shouldExitPane  :: Return\n");
     }

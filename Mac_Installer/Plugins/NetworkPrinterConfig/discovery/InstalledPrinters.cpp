@@ -33,7 +33,7 @@ using Ppd = std::unique_ptr<ppd_file_t, PpdCloser>;
 
 /// Whether the default server fails to accept a connection and respond on it within answerLimit. libcups has
 /// no such timeout on its default connection and would wait for minutes, so this uses a separate connection.
-bool isServiceSilent() {
+bool doesServiceTimeOut() {
     QElapsedTimer timer;
     timer.start();
     // Unencrypted, as the TLS handshake has no timeout either; a server that requires encryption refuses,
@@ -50,16 +50,20 @@ bool isServiceSilent() {
     return httpOptions(service.get(), "*") == 0 && httpWait(service.get(), left) == 0;
 }
 
+bool isServiceSilent() {
+    const bool isSilent = doesServiceTimeOut();
+    if (isSilent) {
+        systemLog(u"The print service does not answer; its queues are not checked");
+    }
+    return isSilent;
+}
+
 /// The destinations of the default server, freed together, and the links to their PPDs. A silent service
 /// yields no destinations; once it falls silent it yields no more links.
 class PrintService {
   public:
     PrintService()
-        : isSilent_(isServiceSilent()), count_(isSilent_ ? 0 : cupsGetDests2(CUPS_HTTP_DEFAULT, &list_)) {
-        if (isSilent_) {
-            systemLog(u"The print service does not answer; its queues are not checked");
-        }
-    }
+        : isSilent_(isServiceSilent()), count_(isSilent_ ? 0 : cupsGetDests2(CUPS_HTTP_DEFAULT, &list_)) {}
     PrintService(const PrintService&) = delete;
     PrintService& operator=(const PrintService&) = delete;
     ~PrintService() { cupsFreeDests(count_, list_); }

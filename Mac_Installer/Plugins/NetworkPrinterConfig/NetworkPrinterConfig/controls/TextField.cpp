@@ -66,7 +66,7 @@ void TextField::followChange() {
         return;
     }
     if (guard_->verdict == QValidator::Invalid) {
-        undo();
+        restore();
     } else {
         accept();
     }
@@ -82,7 +82,7 @@ void TextField::accept() {
     }
 }
 
-void TextField::undo() {
+void TextField::restore() {
     setStringValue(accepted_);
 }
 
@@ -106,7 +106,7 @@ void TextField::inputMethodEvent(QInputMethodEvent* event) {
     if (isEdit && guard_->verdict == QValidator::Acceptable) {
         accept();
     } else if (event->preeditString().isEmpty()) {
-        undo();
+        restore();
     }
 }
 

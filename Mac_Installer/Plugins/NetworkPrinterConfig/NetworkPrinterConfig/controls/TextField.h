@@ -46,7 +46,7 @@ class TextField : public QLineEdit {
     void keepPlaceholderReadable();
     void followChange();
     void accept();
-    void undo();
+    void restore();
     void endEditing();
 
     Guard* guard_;
