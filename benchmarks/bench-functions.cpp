@@ -56,7 +56,7 @@ int socketWithRequest(in_addr_t to, const Request& request) {
     return descriptor;
 }
 
-/// Waits a second. Returns the sender, or INADDR_ANY if there was nothing; `reply` has room for 1024 bytes.
+/// Waits a second. Returns the sender, or INADDR_ANY if there was nothing; `reply` holds 1024 bytes.
 in_addr_t senderOf(int descriptor, char* reply) {
     fd_set readable;
     FD_ZERO(&readable);

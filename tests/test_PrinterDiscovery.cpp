@@ -100,7 +100,7 @@ class TestPrinterDiscovery : public QObject {
         QVERIFY(log.contains(u"**** 10.0.0.1"_s) && log.contains(u"**** 127.0.0.1"_s));
     }
 
-    /// Whoever no longer answers is gone from the list, and each of two local addresses has its quiet time.
+    /// A printer that no longer answers is gone from the list, and each of two local addresses has its quiet time.
     void forgetsWhoIsGone() {
         QElapsedTimer timer;
         timer.start();

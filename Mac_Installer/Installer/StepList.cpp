@@ -93,9 +93,9 @@ void StepList::resizeEvent(QResizeEvent* event) {
     QFrame::resizeEvent(event);
     const int needed =
         column_->sizeHint().height() + banner_->pixmap().deviceIndependentSize().toSize().height();
-    const int room =
+    const int available =
         contentsRect().height() - layout()->contentsMargins().top() - layout()->contentsMargins().bottom();
-    banner_->setVisible(room >= needed);  // Hide the banner rather than clip it.
+    banner_->setVisible(available >= needed);  // Hide the banner rather than clip it.
 }
 
 void StepList::addStep(const QString& title) {

@@ -56,12 +56,12 @@ class LogFile {
     int descriptor_;
 };
 
-/// Formats the record into `room`, truncated to fit. Returns the length of the whole record.
-[[gnu::format(printf, 2, 0)]] std::size_t formatRecord(std::span<char> room, const char* format,
+/// Formats the record into `buffer`, truncated to fit. Returns the length of the whole record.
+[[gnu::format(printf, 2, 0)]] std::size_t formatRecord(std::span<char> buffer, const char* format,
                                                        va_list arguments) {
-    const std::size_t start = recordStart.copy(room.data(), room.size());
+    const std::size_t start = recordStart.copy(buffer.data(), buffer.size());
     // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): every caller has started it.
-    const int length = std::vsnprintf(room.data() + start, room.size() - start, format, arguments);
+    const int length = std::vsnprintf(buffer.data() + start, buffer.size() - start, format, arguments);
     return start + static_cast<std::size_t>(std::max(length, 0));
 }
 
@@ -69,14 +69,14 @@ class LogFile {
 [[gnu::format(printf, 2, 0)]] void appendRecord(const LogFile& log, const char* format, va_list arguments) {
     va_list again;
     va_copy(again, arguments);
-    std::array<char, 1024> room;
-    const std::size_t length = formatRecord(room, format, arguments);
-    if (length < room.size()) {
-        log.append({room.data(), length});
+    std::array<char, 1024> buffer;
+    const std::size_t length = formatRecord(buffer, format, arguments);
+    if (length < buffer.size()) {
+        log.append({buffer.data(), length});
     } else {
-        std::vector<char> largerRoom(length + 1);
-        formatRecord(largerRoom, format, again);
-        log.append({largerRoom.data(), length});
+        std::vector<char> largerBuffer(length + 1);
+        formatRecord(largerBuffer, format, again);
+        log.append({largerBuffer.data(), length});
     }
     va_end(again);
 }
