@@ -40,8 +40,13 @@ qsizetype countIn(const QString& folder) {
     return QDir(folder).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size();
 }
 
+/// The discovery's threads and the main one, by the program's name; Qt starts and names others as it likes.
 qsizetype threads() {
-    return countIn(u"/proc/self/task"_s);
+    qsizetype count = 0;
+    for (const QString& thread : QDir(u"/proc/self/task"_s).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        count += contentOf(u"/proc/self/task/%1/comm"_s.arg(thread)) == contentOf(u"/proc/self/comm"_s);
+    }
+    return count;
 }
 
 /// Waits for a record, and a moment longer, so that what follows it is under way.
