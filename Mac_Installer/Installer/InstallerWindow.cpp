@@ -108,8 +108,7 @@ void InstallerWindow::addStep(InstallerPane* page) {
     pages_.push_back(page);
     stack_->addWidget(makeScroller(page->contentWidget(), stack_));
     steps_->addStep(page->title());
-    connect(page, &InstallerPane::nextEnabledChanged, this, &InstallerWindow::updateButtons);
-    connect(page, &InstallerPane::previousEnabledChanged, this, &InstallerWindow::updateButtons);
+    connect(page, &InstallerPane::buttonsChanged, this, &InstallerWindow::updateButtons);
 }
 
 void InstallerWindow::connectButton(QPushButton* button, void (InstallerWindow::*action)()) {

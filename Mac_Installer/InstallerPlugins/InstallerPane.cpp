@@ -10,24 +10,12 @@ InstallerPane::~InstallerPane() {
     delete contentWidget_;
 }
 
-void InstallerPane::awakeFromNib() {}
-
-void InstallerPane::didEnterPane(InstallerDirection /*direction*/) {}
-
-bool InstallerPane::shouldExitPane(InstallerDirection /*direction*/) {
-    return true;
-}
-
 void InstallerPane::setNextEnabled(bool enabled) {
     nextEnabled_ = enabled;
-    emit nextEnabledChanged(enabled);
+    emit buttonsChanged();
 }
 
 void InstallerPane::setPreviousEnabled(bool enabled) {
     previousEnabled_ = enabled;
-    emit previousEnabledChanged(enabled);
-}
-
-void InstallerPane::setContentWidget(QWidget* widget) {
-    contentWidget_ = widget;
+    emit buttonsChanged();
 }

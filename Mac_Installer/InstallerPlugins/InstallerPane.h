@@ -33,8 +33,6 @@ class INSTALLERPLUGINS_EXPORT InstallerPane : public QObject {
   public:
     /// The first page constructed makes the application's buttons act immediately (ButtonActions.h).
     explicit InstallerPane(QObject* parent = nullptr);
-    InstallerPane(const InstallerPane&) = delete;
-    InstallerPane& operator=(const InstallerPane&) = delete;
     ~InstallerPane() override;
 
     /// The page's name in the list of steps and above the page, in the user's language. May be called at any
@@ -42,14 +40,14 @@ class INSTALLERPLUGINS_EXPORT InstallerPane : public QObject {
     [[nodiscard]] virtual QString title() const = 0;
 
     /// Called when the controls exist and are connected. Does nothing; overrides must call it first.
-    virtual void awakeFromNib();
+    virtual void awakeFromNib() {}
 
     /// Called when the page is on the screen. Does nothing by default.
-    virtual void didEnterPane(InstallerDirection direction);
+    virtual void didEnterPane(InstallerDirection /*direction*/) {}
 
     /// Called when the user wants to leave the page; true lets them. Before returning false, tell the user
     /// why. May block while a modal alert is open. Returns true by default.
-    [[nodiscard]] virtual bool shouldExitPane(InstallerDirection direction);
+    [[nodiscard]] virtual bool shouldExitPane(InstallerDirection /*direction*/) { return true; }
 
     /// Enable or disable the installer's buttons for this page, effective immediately while it is shown. Both
     /// are enabled initially.
@@ -62,12 +60,12 @@ class INSTALLERPLUGINS_EXPORT InstallerPane : public QObject {
     [[nodiscard]] QWidget* contentWidget() const { return contentWidget_; }
 
   signals:
-    void nextEnabledChanged(bool enabled);
-    void previousEnabledChanged(bool enabled);
+    /// The page has enabled or disabled one of the installer's buttons.
+    void buttonsChanged();
 
   protected:
     /// Called once, by the page itself. `widget` must have no parent yet.
-    void setContentWidget(QWidget* widget);
+    void setContentWidget(QWidget* widget) { contentWidget_ = widget; }
 
   private:
     QPointer<QWidget> contentWidget_;

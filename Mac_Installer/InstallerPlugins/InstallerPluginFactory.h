@@ -13,9 +13,6 @@ class QObject;
 
 class InstallerPluginFactory {
   public:
-    InstallerPluginFactory() = default;
-    InstallerPluginFactory(const InstallerPluginFactory&) = delete;
-    InstallerPluginFactory& operator=(const InstallerPluginFactory&) = delete;
     virtual ~InstallerPluginFactory() = default;
 
     /// Creates the page as a child of `parent`, with its controls connected and awakeFromNib() called; null
