@@ -10,6 +10,8 @@
 #include <QStyle>
 #include <QStyleOptionButton>
 
+#include <utility>
+
 namespace {
 
 class MnemonicFilter : public QObject {
@@ -76,11 +78,8 @@ class ButtonInterface : public QAccessibleWidget {
     }
 
     [[nodiscard]] QStringList actionNames() const override {
-        QStringList names = QAccessibleWidget::actionNames();
-        if (widget()->isEnabled()) {
-            names.prepend(button()->isCheckable() ? toggleAction() : pressAction());
-        }
-        return names;
+        const QStringList names = QAccessibleWidget::actionNames();
+        return widget()->isEnabled() ? QStringList{mainAction()} + names : names;
     }
 
     /// Posts the action: it may open an alert, and the caller waits for the reply.
@@ -103,13 +102,15 @@ class ButtonInterface : public QAccessibleWidget {
     }
 
     [[nodiscard]] QStringList keyBindingsForAction(const QString& name) const override {
-        const QKeySequence shortcut = button()->shortcut();
-        const bool hasShortcut = (name == toggleAction() || name == pressAction()) && !shortcut.isEmpty();
-        return hasShortcut ? QStringList{shortcut.toString()} : QStringList();
+        const QString keys = text(QAccessible::Accelerator);
+        return name == mainAction() && !keys.isEmpty() ? QStringList{keys} : QStringList();
     }
 
   private:
     [[nodiscard]] QAbstractButton* button() const { return static_cast<QAbstractButton*>(object()); }
+    [[nodiscard]] const QString& mainAction() const {
+        return button()->isCheckable() ? toggleAction() : pressAction();
+    }
 };
 
 QAccessibleInterface* makeInterface(const QString& className, QObject* object) {
@@ -129,10 +130,9 @@ bool isOperable(const QWidget* widget) {
 void makeButtonsImmediate() {
     // Not per button: with an active accessibility bus, Qt requests the interface while the button is being
     // constructed.
-    static const bool isDone = [] {
+    static bool isDone = false;
+    if (!std::exchange(isDone, true)) {
         QCoreApplication::instance()->installEventFilter(new MnemonicFilter(QCoreApplication::instance()));
         QAccessible::installFactory(makeInterface);
-        return true;
-    }();
-    Q_UNUSED(isDone)
+    }
 }
