@@ -1,5 +1,6 @@
 #include "Installer/PressGuard.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -24,16 +25,15 @@ PressGuard::PressGuard(QObject* parent) : QObject(parent) {
 bool PressGuard::takePress() {
     const Press press = std::exchange(seen_, {});
     const auto interval = static_cast<quint64>(QApplication::doubleClickInterval());
-    // If the clock was set back or has wrapped, the press counts as new.
-    if (counted_.time != 0 && press.key == counted_.key && press.time >= counted_.time &&
-        press.time - counted_.time < interval) {
+    // The difference is unsigned: if the clock was set back or has wrapped, the press counts as new.
+    if (counted_.time != 0 && press.key == counted_.key && press.time - counted_.time < interval) {
         return false;
     }
     counted_ = press;
     return true;
 }
 
-bool PressGuard::eventFilter(QObject* /*watched*/, QEvent* event) {
+bool PressGuard::eventFilter(QObject* watched, QEvent* event) {
     switch (event->type()) {
         case QEvent::MouseButtonPress:
         case QEvent::MouseButtonDblClick:
@@ -52,25 +52,12 @@ bool PressGuard::eventFilter(QObject* /*watched*/, QEvent* event) {
             seen_ = {key->key(), key->timestamp()};
             return false;
         }
-        case QEvent::MouseButtonRelease:
-            forgetOnceHandled(0);
-            return false;
-        case QEvent::KeyRelease:
-            forgetOnceHandled(static_cast<QKeyEvent*>(event)->key());
+        case QEvent::MetaCall:
+            if (qobject_cast<QAbstractButton*>(watched) != nullptr) {
+                seen_ = {};  // ButtonActions posts assistive presses; the user's last one is not their cause.
+            }
             return false;
         default:
             return false;
-    }
-}
-
-/// A click that comes after the release has been handled has another cause. The next press may come first.
-void PressGuard::forgetOnceHandled(int key) {
-    if (key == seen_.key) {
-        const auto forget = [this, released = seen_.time] {
-            if (seen_.time == released) {
-                seen_ = {};
-            }
-        };
-        QMetaObject::invokeMethod(this, forget, Qt::QueuedConnection);
     }
 }

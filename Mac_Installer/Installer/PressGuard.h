@@ -29,8 +29,6 @@ class PressGuard : public QObject {
         quint64 time = 0;  // platform time in milliseconds; 0 if none
     };
 
-    void forgetOnceHandled(int key);
-
-    Press seen_;     // the last press, until its release
+    Press seen_;     // the last press, until it is taken
     Press counted_;  // the last press that counted
 };
