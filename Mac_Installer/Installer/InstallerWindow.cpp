@@ -45,7 +45,7 @@ QScrollArea* makeScroller(QWidget* content, QWidget* parent) {
 InstallerWindow::InstallerWindow(const std::vector<InstallerPane*>& pages, QWidget* parent)
     : QDialog(parent, Qt::Window),
       presses_(new PressGuard(this)),
-      steps_(new StepList(this)),
+      steps_(new StepList(pages, this)),
       heading_(makeHeading(this)),
       stack_(new QStackedWidget(this)),
       back_(new QPushButton(tr("Go &Back"), this)),
@@ -107,7 +107,6 @@ void InstallerWindow::addStep(InstallerPane* page) {
     page->setParent(this);
     pages_.push_back(page);
     stack_->addWidget(makeScroller(page->contentWidget(), stack_));
-    steps_->addStep(page->title());
     connect(page, &InstallerPane::buttonsChanged, this, &InstallerWindow::updateButtons);
 }
 

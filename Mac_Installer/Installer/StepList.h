@@ -4,35 +4,23 @@
 #pragma once
 
 #include <QFrame>
-#include <QString>
+#include <QList>
 
 #include <vector>
 
+class InstallerPane;
 class QLabel;
-class QVBoxLayout;
-class StepMark;
 
 class StepList : public QFrame {
     Q_OBJECT
 
   public:
-    explicit StepList(QWidget* parent = nullptr);
+    explicit StepList(const std::vector<InstallerPane*>& pages, QWidget* parent = nullptr);
 
-    void addStep(const QString& title);
-
-    /// `step` counts from 0.
-    void setCurrentStep(int step);
-
-  protected:
-    void resizeEvent(QResizeEvent* event) override;
+    /// `current` counts from 0.
+    void setCurrentStep(int current);
 
   private:
-    struct Step {
-        StepMark* mark;
-        QLabel* label;
-    };
-
-    QVBoxLayout* column_;
-    QLabel* banner_;
-    std::vector<Step> steps_;  // children
+    QList<QLabel*> marks_;
+    QList<QLabel*> labels_;
 };
