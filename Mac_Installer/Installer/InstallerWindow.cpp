@@ -44,6 +44,7 @@ QScrollArea* makeScroller(QWidget* content, QWidget* parent) {
 
 InstallerWindow::InstallerWindow(const std::vector<InstallerPane*>& pages, QWidget* parent)
     : QDialog(parent, Qt::Window),
+      pages_(pages.begin(), pages.end()),
       presses_(new PressGuard(this)),
       steps_(new StepList(pages, this)),
       heading_(makeHeading(this)),
@@ -75,20 +76,21 @@ InstallerWindow::InstallerWindow(const std::vector<InstallerPane*>& pages, QWidg
     columns->addWidget(steps_);
     columns->addLayout(page, 1);
 
-    for (InstallerPane* const pane : pages) {
-        addStep(pane);
+    for (const InstallerPane* const pane : pages) {
+        stack_->addWidget(makeScroller(pane->contentWidget(), stack_));
+        connect(pane, &InstallerPane::buttonsChanged, this, &InstallerWindow::updateButtons);
     }
-    connectButton(back_, &InstallerWindow::goBack);
-    connectButton(next_, &InstallerWindow::goForward);
+    connect(back_, &QPushButton::clicked, this, [this] { takeClick(back_, InstallerDirectionBackward); });
+    connect(next_, &QPushButton::clicked, this, [this] { takeClick(next_, InstallerDirectionForward); });
     enter(0, InstallerDirectionForward);
+
+    const QSize frame(16, 48);  // Estimate: the window manager's frame is unknown before show().
+    const QSize comfortable = sizeHint().expandedTo({720, 540});
+    resize(comfortable.boundedTo(screen()->availableSize() - frame));
 }
 
 InstallerWindow::~InstallerWindow() {
     hide();  // After a signal it is still shown, and stopping a page's search may take a second.
-    // Pages refer to the widgets, so delete them first.
-    for (InstallerPane* const page : pages_) {
-        delete page;
-    }
 }
 
 void InstallerWindow::keyPressEvent(QKeyEvent* event) {
@@ -97,81 +99,52 @@ void InstallerWindow::keyPressEvent(QKeyEvent* event) {
     }
 }
 
-void InstallerWindow::resizeToScreen() {
-    const QSize frame(16, 48);  // Estimate: the window manager's frame is unknown before show().
-    const QSize comfortable = sizeHint().expandedTo({720, 540});
-    resize(comfortable.boundedTo(screen()->availableSize() - frame));
-}
-
-void InstallerWindow::addStep(InstallerPane* page) {
-    page->setParent(this);
-    pages_.push_back(page);
-    stack_->addWidget(makeScroller(page->contentWidget(), stack_));
-    connect(page, &InstallerPane::buttonsChanged, this, &InstallerWindow::updateButtons);
-}
-
-void InstallerWindow::connectButton(QPushButton* button, void (InstallerWindow::*action)()) {
-    connect(button, &QPushButton::clicked, this, [this, button, action] {
-        // Qt may deliver a click after a page has disabled the button.
-        if (button->isEnabled() && !leaving_ && presses_->takePress()) {
-            (this->*action)();
-        }
-    });
-}
-
-InstallerPane* InstallerWindow::currentPage() const {
-    return pages_[static_cast<std::size_t>(current_)];
-}
-
-bool InstallerWindow::isLast() const {
-    return current_ + 1 == static_cast<int>(pages_.size());
-}
-
-void InstallerWindow::goForward() {
-    if (isLast()) {
+void InstallerWindow::takeClick(const QPushButton* button, InstallerDirection direction) {
+    // Qt may deliver a click after a page has disabled the button.
+    if (!button->isEnabled() || leaving_ || !presses_->takePress()) {
+        return;
+    }
+    const bool isForward = direction == InstallerDirectionForward;
+    if (isForward && isLast()) {
         close();
         return;
     }
     const QScopedValueRollback guard(leaving_, true);
-    if (currentPage()->shouldExitPane(InstallerDirectionForward)) {
-        enter(current_ + 1, InstallerDirectionForward);
+    if (currentPage().shouldExitPane(direction)) {
+        enter(isForward ? current_ + 1 : current_ - 1, direction);
     }
 }
 
-void InstallerWindow::goBack() {
-    const QScopedValueRollback guard(leaving_, true);
-    if (currentPage()->shouldExitPane(InstallerDirectionBackward)) {
-        enter(current_ - 1, InstallerDirectionBackward);
-    }
+InstallerPane& InstallerWindow::currentPage() const {
+    return *pages_[static_cast<std::size_t>(current_)];
+}
+
+bool InstallerWindow::isLast() const {
+    return current_ + 1 == stack_->count();
 }
 
 void InstallerWindow::enter(int step, InstallerDirection direction) {
     current_ = step;
     steps_->setCurrentStep(step);
-    heading_->setText(currentPage()->title());
+    heading_->setText(currentPage().title());
     stack_->setCurrentIndex(step);
     next_->setText(isLast() ? tr("&Close") : tr("&Continue"));
-    currentPage()->didEnterPane(direction);
+    currentPage().didEnterPane(direction);
     updateButtons();
     focusFirstControl();
 }
 
 void InstallerWindow::updateButtons() {
-    back_->setEnabled(current_ > 0 && currentPage()->isPreviousEnabled());
-    next_->setEnabled(currentPage()->isNextEnabled());
+    back_->setEnabled(current_ > 0 && currentPage().isPreviousEnabled());
+    next_->setEnabled(currentPage().isNextEnabled());
     next_->setDefault(true);
 }
 
 /// Focuses the page's first control in the tab order, or the Continue button if there is none.
 void InstallerWindow::focusFirstControl() {
-    next_->setFocus();
-    QWidget* const content = currentPage()->contentWidget();
-    for (QWidget* control = content->nextInFocusChain(); control != content;
-         control = control->nextInFocusChain()) {
-        if (content->isAncestorOf(control) && (control->focusPolicy() & Qt::TabFocus) != 0 &&
-            control->isEnabled() && control->isVisibleTo(this)) {
-            control->setFocus(Qt::TabFocusReason);
-            return;
-        }
+    stack_->currentWidget()->setFocus();
+    focusNextChild();
+    if (!stack_->isAncestorOf(focusWidget())) {
+        next_->setFocus();
     }
 }

@@ -9,9 +9,9 @@
 
 #include <QDialog>
 
+#include <memory>
 #include <vector>
 
-class QKeyEvent;
 class QLabel;
 class QPushButton;
 class QStackedWidget;
@@ -22,32 +22,25 @@ class InstallerWindow : public QDialog {
     Q_OBJECT
 
   public:
-    /// Shows and enters the first of `pages`, which are in step order and not empty. Takes ownership: the
-    /// pages are destroyed with the window. Main thread, like all members.
+    /// Enters the first of `pages`, which are in step order and not empty. Takes ownership: the pages are
+    /// destroyed with the window. Its size is comfortable, limited to the screen. Main thread, like all
+    /// members.
     explicit InstallerWindow(const std::vector<InstallerPane*>& pages, QWidget* parent = nullptr);
-    InstallerWindow(const InstallerWindow&) = delete;
-    InstallerWindow& operator=(const InstallerWindow&) = delete;
     ~InstallerWindow() override;
-
-    /// Resizes to a comfortable size, limited to the screen.
-    void resizeToScreen();
 
   protected:
     /// Return presses the default button, as in any dialog; Escape does not close the installer.
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
-    void addStep(InstallerPane* page);
-    void connectButton(QPushButton* button, void (InstallerWindow::*action)());
-    void goForward();
-    void goBack();
+    void takeClick(const QPushButton* button, InstallerDirection direction);
     void enter(int step, InstallerDirection direction);
     void updateButtons();
     [[nodiscard]] bool isLast() const;
-    [[nodiscard]] InstallerPane* currentPage() const;
+    [[nodiscard]] InstallerPane& currentPage() const;
     void focusFirstControl();
 
-    std::vector<InstallerPane*> pages_;  // children
+    std::vector<std::unique_ptr<InstallerPane>> pages_;  // destroyed before the widgets, which they refer to
     int current_ = 0;
     bool leaving_ = false;  // a page is deciding; its alert may run a nested event loop
     PressGuard* presses_;

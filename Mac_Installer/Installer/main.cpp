@@ -66,7 +66,6 @@ int runInstaller(const QString& pluginFolder) {
     pages.push_back(new SummaryPane(qApp));
 
     InstallerWindow window(pages);
-    window.resizeToScreen();
     window.show();
     return QApplication::exec();
 }
