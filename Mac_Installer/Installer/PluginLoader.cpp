@@ -9,60 +9,53 @@
 #include <QJsonObject>
 #include <QPluginLoader>
 
+#include <memory>
+
 namespace {
 
 QString say(const char* text) {
     return QCoreApplication::translate("PluginLoader", text);
 }
 
-/// Loads the page from one file; null with `problem` set on failure.
-InstallerPane* loadPage(const QString& path, QObject* parent, QString& problem) {
+/// Adds the page from one file to `pages`. Returns null, or what is wrong with the file.
+QString loadPage(const QString& path, QObject* parent, std::vector<InstallerPane*>& pages) {
     if (!QFileInfo(path).isFile()) {
-        problem = say("is not a regular file");  // Opening a FIFO would block.
-        return nullptr;
+        return say("is not a regular file");  // Opening a FIFO would block.
     }
     QPluginLoader loader(path);
     // Read the metadata before running any code of the file: other contract versions must not be loaded.
     const QString contract = loader.metaData().value(QStringLiteral("IID")).toString();
+    const QString ours = QStringLiteral(InstallerPluginFactory_iid);
     if (contract.isEmpty()) {
-        problem = say("is not a plug-in (%1)").arg(loader.errorString());
-        return nullptr;
+        return say("is not a plug-in (%1)").arg(loader.errorString());
     }
-    if (contract != QStringLiteral(InstallerPluginFactory_iid)) {
-        problem = say(R"(is made for "%1", not for "%2")")
-                      .arg(contract, QStringLiteral(InstallerPluginFactory_iid));
-        return nullptr;
+    if (contract != ours) {
+        return say(R"(is made for "%1", not for "%2")").arg(contract, ours);
     }
     auto* const factory = qobject_cast<InstallerPluginFactory*>(loader.instance());
     if (factory == nullptr) {
-        problem = say("can't be loaded (%1)").arg(loader.errorString());
-        return nullptr;
+        return say("can't be loaded (%1)").arg(loader.errorString());
     }
-    InstallerPane* const pane = factory->createPane(parent);
-    if (pane == nullptr || pane->contentWidget() == nullptr) {
-        problem = say("did not create a page");
-        delete pane;
-        return nullptr;
+    std::unique_ptr<InstallerPane> page(factory->createPane(parent));
+    if (!page || page->contentWidget() == nullptr) {
+        return say("did not create a page");
     }
-    return pane;
+    pages.push_back(page.release());
+    return {};
 }
 
 }  // namespace
 
 LoadedPages loadPages(const QString& folder, QObject* parent) {
-    LoadedPages loaded;
     const QDir directory(folder);
     if (!directory.isReadable()) {
-        loaded.problems += say("%1: is not a readable folder").arg(folder);
-        return loaded;
+        return {{}, {say("%1: is not a readable folder").arg(folder)}};
     }
-    const QStringList names = directory.entryList(QDir::Files | QDir::System | QDir::Hidden, QDir::Name);
-    for (const QString& name : names) {
+    LoadedPages loaded;
+    for (const QString& name : directory.entryList(QDir::Files | QDir::System | QDir::Hidden, QDir::Name)) {
         const QString path = directory.absoluteFilePath(name);
-        QString problem;
-        if (InstallerPane* const pane = loadPage(path, parent, problem)) {
-            loaded.pages.push_back(pane);
-        } else {
+        const QString problem = loadPage(path, parent, loaded.pages);
+        if (!problem.isNull()) {
             loaded.problems += QStringLiteral("%1: %2").arg(path, problem);
         }
     }
