@@ -5,12 +5,8 @@
 #include <QFileInfo>
 #include <QStandardPaths>
 
-QString handOffFolder() {
-    return QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
-}
-
 QString prepareHandOffFolder() {
-    const QString folder = handOffFolder();
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
     if (!folder.isEmpty() && QDir().mkpath(folder) && QFileInfo(folder).isWritable()) {
         return {};
     }

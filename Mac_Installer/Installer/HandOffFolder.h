@@ -4,9 +4,6 @@
 
 #include <QString>
 
-/// Path of the folder; it need not exist.
-[[nodiscard]] QString handOffFolder();
-
 /// Creates the folder if it is missing. Returns null if the folder is writable, otherwise a message for the
 /// user that says what is wrong.
 [[nodiscard]] QString prepareHandOffFolder();

@@ -6,8 +6,8 @@
 
 namespace {
 
-QLabel* paragraph(const QString& text, QWidget* parent) {
-    auto* const label = new QLabel(text, parent);
+QLabel* makeText(const QString& text) {
+    auto* const label = new QLabel(text);
     label->setTextFormat(Qt::PlainText);
     label->setWordWrap(true);
     return label;
@@ -20,26 +20,18 @@ IntroductionPane::IntroductionPane(const QString& problem, QObject* parent) : In
     auto* const column = new QVBoxLayout(content);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(12);
+    column->addWidget(makeText(tr("This assistant prepares your computer for a Tovik KV card printer.")));
     column->addWidget(
-        paragraph(tr("This assistant prepares your computer for a Tovik KV card printer."), content));
-    column->addWidget(
-        paragraph(tr("Switch the printer on and connect it, to this computer or to the network. The next "
-                     "step asks how it is connected and looks for it."),
-                  content));
+        makeText(tr("Switch the printer on and connect it, to this computer or to the network. The next step "
+                    "asks how it is connected and looks for it.")));
     if (!problem.isNull()) {
-        auto* const row = new QHBoxLayout;
-        auto* const icon = new QLabel(content);
+        auto* const icon = new QLabel;
         icon->setPixmap(content->style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(32, 32));
+        auto* const row = new QHBoxLayout;
         row->addWidget(icon, 0, Qt::AlignTop);
-        auto* const text = paragraph(problem, content);
-        text->setObjectName(QStringLiteral("problem"));
-        row->addWidget(text, 1);
+        row->addWidget(makeText(problem), 1);
         column->addLayout(row);
     }
     column->addStretch();
     setContentWidget(content);
-}
-
-QString IntroductionPane::title() const {
-    return tr("Introduction");
 }

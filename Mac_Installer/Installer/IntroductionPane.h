@@ -13,5 +13,5 @@ class IntroductionPane : public InstallerPane {
     /// `problem` is a message for the user, or null.
     explicit IntroductionPane(const QString& problem, QObject* parent = nullptr);
 
-    [[nodiscard]] QString title() const override;
+    [[nodiscard]] QString title() const override { return tr("Introduction"); }
 };

@@ -1,25 +1,9 @@
 #include "Installer/SummaryPane.h"
 
-#include "Installer/HandOffFolder.h"
-
 #include <QFile>
 #include <QLabel>
+#include <QStandardPaths>
 #include <QVBoxLayout>
-
-namespace {
-
-/// The hand-off line, or null if there is none.
-QString handedOverLine() {
-    QFile file(handOffFolder() + QStringLiteral("/KV.txt"));
-    if (!file.open(QIODevice::ReadOnly)) {
-        return {};
-    }
-    constexpr qint64 longestLine = 64;
-    const QString line = QString::fromLatin1(file.read(longestLine));
-    return line.isEmpty() ? QString() : line;
-}
-
-}  // namespace
 
 SummaryPane::SummaryPane(QObject* parent) : InstallerPane(parent) {
     auto* const content = new QWidget;
@@ -35,13 +19,13 @@ SummaryPane::SummaryPane(QObject* parent) : InstallerPane(parent) {
     setContentWidget(content);
 }
 
-QString SummaryPane::title() const {
-    return tr("Summary");
-}
-
 void SummaryPane::didEnterPane(InstallerDirection /*direction*/) {
-    const QString line = handedOverLine();
-    if (line.isNull()) {
+    QFile file(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation) +
+               QStringLiteral("/KV.txt"));
+    constexpr qint64 longestLine = 64;
+    const QString line =
+        file.open(QIODevice::ReadOnly) ? QString::fromLatin1(file.read(longestLine)) : QString();
+    if (line.isEmpty()) {
         text_->setText(
             tr("No network printer was chosen. The driver will be installed for a printer that is connected "
                "directly to this computer."));

@@ -12,7 +12,7 @@ class SummaryPane : public InstallerPane {
   public:
     explicit SummaryPane(QObject* parent = nullptr);
 
-    [[nodiscard]] QString title() const override;
+    [[nodiscard]] QString title() const override { return tr("Summary"); }
     void didEnterPane(InstallerDirection direction) override;
 
   private:
