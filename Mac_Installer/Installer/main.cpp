@@ -5,17 +5,17 @@
 #include "Installer/IntroductionPane.h"
 #include "Installer/PluginLoader.h"
 #include "Installer/SummaryPane.h"
-#include "Installer/SystemLogHandler.h"
 #include "Installer/TerminationSignals.h"
 
 #include <QApplication>
+#include <QByteArrayList>
 #include <QCommandLineParser>
 #include <QDir>
-#include <QFileInfo>
-#include <QString>
 
+#include <syslog.h>
+
+#include <algorithm>
 #include <cstdio>
-#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -24,27 +24,33 @@ namespace {
 constexpr int exitFailure = 1;
 constexpr int exitUsage = 2;
 
-/// QApplication aborts without a display.
-bool hasDisplay() {
-    return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
-           !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
-}
-
+/// Writes a line at once, so that lines of different threads don't interleave.
 void complain(const QString& text) {
     std::fprintf(stderr, "quazel-installer: %s\n", qUtf8Printable(text));
 }
 
-/// Returns null if there is no display. --help and --version must work without one, so they get a
-/// QCoreApplication.
+/// Message handler of the program and its pages, on any thread: to syslog(3) and to standard error.
+void forwardMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
+    constexpr int priorities[]{LOG_DEBUG, LOG_WARNING, LOG_ERR, LOG_CRIT, LOG_INFO};  // by QtMsgType
+    ::syslog(priorities[type], "%s", qUtf8Printable(message));
+    complain(message);
+}
+
+/// QApplication aborts without a display. Returns null then; --help and --version work without one, so they
+/// get a QCoreApplication.
 std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
-    for (int index = 1; index < argc; ++index) {
-        for (const char* const option : {"-h", "--help", "--help-all", "-v", "--version"}) {
-            if (std::strcmp(argv[index], option) == 0) {
-                return std::make_unique<QCoreApplication>(argc, argv);
-            }
+    const QByteArrayList helpers{"-h", "--help", "--help-all", "-v", "--version"};
+    if (std::any_of(argv, argv + argc, [&](const char* argument) { return helpers.contains(argument); })) {
+        return std::make_unique<QCoreApplication>(argc, argv);
+    }
+    for (const char* const variable : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+        if (!qEnvironmentVariableIsEmpty(variable)) {
+            return std::make_unique<QApplication>(argc, argv);
         }
     }
-    return hasDisplay() ? std::make_unique<QApplication>(argc, argv) : nullptr;
+    complain(QStringLiteral(
+        "there is no display to open a window on: neither DISPLAY nor WAYLAND_DISPLAY is set"));
+    return nullptr;
 }
 
 int runInstaller(const QString& pluginFolder) {
@@ -58,7 +64,7 @@ int runInstaller(const QString& pluginFolder) {
     }
     if (loaded.pages.empty()) {
         complain(QCoreApplication::translate("main", "there is no page to show: no usable plug-in in %1")
-                     .arg(QDir::toNativeSeparators(QFileInfo(pluginFolder).absoluteFilePath())));
+                     .arg(QDir(pluginFolder).absolutePath()));
         return exitFailure;
     }
     std::vector<InstallerPane*> pages{new IntroductionPane(problem, qApp)};
@@ -75,8 +81,6 @@ int runInstaller(const QString& pluginFolder) {
 int main(int argc, char** argv) {
     const std::unique_ptr<QCoreApplication> application = makeApplication(argc, argv);
     if (!application) {
-        complain(QStringLiteral(
-            "there is no display to open a window on: neither DISPLAY nor WAYLAND_DISPLAY is set"));
         return exitFailure;
     }
     QCoreApplication::setOrganizationName(QStringLiteral("Tovik"));
@@ -102,7 +106,8 @@ int main(int argc, char** argv) {
     }
     parser.process(*application);  // Handles --help and --version.
 
-    forwardMessagesToSystemLog();
+    ::openlog("quazel-installer", LOG_PID, LOG_USER);
+    qInstallMessageHandler(forwardMessage);
     quitOnTerminationSignals();
     return runInstaller(parser.value(plugins));
 }
