@@ -144,6 +144,11 @@ class Walk:
         x, y, width, height = self.settled(node)
         run("xdotool", "mousemove", str(x + width // 2), str(y + height // 2), "click", "1")
 
+    def act(self, node):
+        """What an assistive program does: the node's own action, "Press" or "Toggle"."""
+        self.wait_state(node, "enabled")
+        Atspi.Action.do_action(node, 0)
+
     @staticmethod
     def type(words):
         run("xdotool", "type", "--delay", "5", "--", words)
