@@ -32,7 +32,7 @@ ALERT_TITLE = "Tovik KV Card Printer IP Configuration"
 ALREADY_INSTALLED = "A Printer with this IP Address is already Installed, Please choose another Ethernet Printer"
 INVALID_ADDRESS = "Invalid IP"
 
-NETWORK_FILE = pathlib.Path(__file__).with_name("printers").read_text()
+NETWORK_FILE = pathlib.Path(os.environ["XDG_RUNTIME_DIR"], "printers").read_text()
 PRINTERS = {model: address for address, model in re.findall(r"^(\S+) .*;DES:Tovik (\w+)", NETWORK_FILE, re.MULTILINE)}
 MODELS = sorted(PRINTERS)
 ADDRESSES = re.findall(r"^\d\S+", NETWORK_FILE, re.MULTILINE)  # also those that must not be listed
