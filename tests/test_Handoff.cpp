@@ -1,5 +1,6 @@
-// The diagnostic log and the hand-off file byte for byte, on folders that are in order and on folders that
-// are not. The log begins once a process, so each case of it runs in a child of its own.
+// The diagnostic log and the hand-off file byte for byte, on folders that are
+// in order and on folders that are not. The log begins once a process, so each
+// case of it runs in a child of its own.
 
 #include "BuildDate.h"
 #include "handoff/DiagnosticLog.h"
@@ -10,34 +11,27 @@
 #include "support/SystemLogCapture.h"
 #include "support/TestMain.h"
 
-#include <QDateTime>
 #include <QDir>
-#include <QTest>
 
 #include <fcntl.h>
-#include <sys/mount.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <atomic>
-#include <functional>
+#include <cstdlib>
 #include <thread>
 
 namespace {
 
 using namespace Qt::StringLiterals;
 
-using Step = std::function<void()>;
-
 QString documents;  // What documentsDirectory() answers.
 
-QString logPath() {
-    return documents + u"/QzInstall.log"_s;
-}
-
-void mountAt(const QString& path, const char* type, unsigned long flags, const char* options = nullptr) {
-    const QByteArray target = path.toUtf8();
-    ::mount(target, target, type, flags, options);
+/// Runs commands of the shell in the home folder.
+void shell(const QByteArray& commands) {
+    if (std::system("cd; " + commands) != 0) {
+        qFatal("failed: %s", commands.constData());
+    }
 }
 
 }  // namespace
@@ -51,156 +45,137 @@ class TestHandoff : public QObject {
     Q_OBJECT
 
   private slots:
-    void init() { documents = home_.documents(); }
+    void init() {
+        documents = home_.documents();
+        QFile::remove(file_);
+    }
 
-    /// There is an old log, and two records are written: "A" without a line end, and one with arguments.
+    /// There is an old log, and two records are written: "A" without a line end,
+    /// and one with arguments.
     void records_data() {
-        QTest::addColumn<Step>("before");
-        QTest::addColumn<Step>("between");
+        QTest::addColumn<QByteArray>("before");  // Commands of the shell.
+        QTest::addColumn<QByteArray>("between");
         QTest::addColumn<QByteArray>("log");
         QTest::addColumn<QString>("systemLog");
-        const Step none = [] {};
-        const Step pinLog = [] { mountAt(logPath(), nullptr, MS_BIND); };
-        const Step removeFolder = [] { QDir(documents).removeRecursively(); };
-        const Step makeFolder = [] { QDir().mkpath(documents); };
-        const Step makeReadOnly = [] {
-            mountAt(documents, "tmpfs", 0);
-            writeFile(logPath(), "old\n");
-            mountAt(documents, nullptr, MS_REMOUNT | MS_RDONLY);
+        const auto row = [](const char* name, const QByteArray& before, const QByteArray& between,
+                            const QByteArray& log, const QString& systemLog = u""_s) {
+            QTest::newRow(name) << before << between << log << systemLog;
         };
-        const Step fillDisk = [] {
-            mountAt(documents, "tmpfs", 0, "size=64k");
-            QFile file(documents + u"/rest"_s);
-            file.open(QIODevice::WriteOnly | QIODevice::Unbuffered);
-            file.write(QByteArray(100'000, 'x'));
-        };
-        const Step makeRoom = [] { QFile::remove(documents + u"/rest"_s); };
         const QByteArray a = QUAZEL_BUILD_DATE "\tA";
         const QByteArray b = QUAZEL_BUILD_DATE "\t100%s \xc3\xbc 7\n";
-        const QString no;
         const QString error = u"NSFileNoSuchFileError Error Code=%1 PATH"_s;
-        const QString busy = error.arg(u"512 \"Device or resource busy\""_s);
-        const QString readOnly = error.arg(u"642 \"Read-only file system\""_s);
-        QTest::newRow("an old log goes") << none << none << a + b << no;
-        QTest::newRow("an old log that stays is continued") << pinLog << none << "old\n" + a + b << busy;
-        QTest::newRow("read-only folder") << makeReadOnly << none << QByteArray("old\n") << readOnly;
-        QTest::newRow("full disk, until there is room") << fillDisk << makeRoom << b << no;
-        QTest::newRow("no folder, until there is one") << removeFolder << makeFolder << b << no;
+        row("an old log goes", "true", "true", a + b);
+        row("an old log that stays is continued",
+            "mount --bind Documents/QzInstall.log Documents/QzInstall.log", "true", "old\n" + a + b,
+            error.arg(u"512 \"Device or resource busy\""_s));
+        row("read-only folder", "mount --bind Documents Documents; mount -o remount,bind,ro Documents",
+            "true", "old\n", error.arg(u"642 \"Read-only file system\""_s));
+        row("full disk, until there is room",
+            "mount -t tmpfs -o size=64k none Documents; head -c 64k /dev/zero "
+            ">Documents/rest",
+            "rm Documents/rest", b);
+        row("no folder, until there is one", "rm -r Documents", "mkdir Documents", b);
     }
     void records() {
-        QFETCH(Step, before);
-        QFETCH(Step, between);
-        writeFile(logPath(), "old\n");
+        QFETCH(QByteArray, before);
+        QFETCH(QByteArray, between);
+        const QString log = home_.log();
+        writeFile(log, "old\n");
         const QString result = home_.path() + u"/result"_s;
         QFile::remove(result);
         SystemLogCapture capture;
-        const pid_t child = ::fork();
-        if (child == 0 && ::unshare(CLONE_NEWNS) == 0) {  // What it mounts goes with it.
-            before();
+        if (::fork() == 0) {
+            ::unshare(CLONE_NEWNS);  // What it mounts goes with it.
+            shell(before);
             tDebugPrint("A");
-            between();
+            shell(between);
             tDebugPrint("%s %d\n", "100%s \xc3\xbc", 7);
-            writeFile(result, contentOf(logPath()));
-        }
-        if (child == 0) {
+            writeFile(result, contentOf(log));
             ::_exit(0);
         }
         int status = -1;
-        ::waitpid(child, &status, 0);
-        QVERIFY(status == 0 && QFile::exists(result));
+        QVERIFY(::wait(&status) > 0 && status == 0);
         QTEST(contentOf(result), "log");
-        QTEST(capture.take().join(u'|').replace(logPath(), u"PATH"_s), "systemLog");
+        QTEST(capture.take().join(u'|').replace(log, u"PATH"_s), "systemLog");
     }
 
     void keepsEarlierLogsOfOneSecond() {
-        documents = home_.path() + u"/logs"_s;
-        QVERIFY(QDir().mkdir(documents));
-        QStringList contents;
         for (const QByteArray content : {"a", "b", "c"}) {
-            writeFile(logPath(), content);
-            QFile log(logPath());
-            QVERIFY(log.open(QIODevice::Append) &&
-                    log.setFileTime(QDateTime({2023, 11, 4}, {8, 5}), QFileDevice::FileModificationTime));
-            log.close();
+            shell("printf " + content +
+                  " >Documents/QzInstall.log; touch -d '2023-11-04 08:05' "
+                  "Documents/QzInstall.log");
             keepEarlierLog();
             keepEarlierLog();  // There is none.
         }
-        for (const QString& name : QDir(documents).entryList(QDir::Files)) {
-            contents += name + u"="_s + QString::fromUtf8(contentOf(documents + u"/"_s + name));
-        }
-        QCOMPARE(contents.join(u'|'),
-                 u"QzInstall-2023-11-04-080500-2.log=b|"
-                 u"QzInstall-2023-11-04-080500-3.log=c|"
-                 "QzInstall-2023-11-04-080500.log=a"_s);
+        const QString kept = documents + u"/QzInstall-2023-11-04-080500%1.log"_s;
+        QCOMPARE(contentOf(kept.arg(u""_s)) + contentOf(kept.arg(u"-2"_s)) + contentOf(kept.arg(u"-3"_s)),
+                 "abc");
     }
 
-    void writes() {
+    void writesAndRemoves() {
+        const QByteArray line = "KV210 10.0.0.1";
+        for (const auto& [before, content] : {std::pair("echo longer than the line >KV.txt", line),
+                                              {"true", line},
+                                              {"ln -s elsewhere KV.txt", line},
+                                              {"mkdir -p KV.txt/full", QByteArray()}}) {
+            shell(QByteArray("cd Documents; ") + before);
+            writeToTextFile(QString::fromLatin1(line));
+            QCOMPARE(contentOf(file_), content);
+            QCOMPARE(removed(), u"(null)"_s);
+        }
+        QCOMPARE(contentOf(documents + u"/elsewhere"_s), line);  // A link is followed, but removed itself.
+        QCOMPARE(removed(), u""_s);
+        documents = QString(256, u'y');
+        QCOMPARE(removed().remove(u'y'), u"Error Code=512 \"File name too long\" /KV.txt"_s);
+    }
+
+    void writesNothingButAscii() {
+        writeFile(file_, "old");
+        writeToTextFile(u"KV210 ١٩٢"_s);
         SystemLogCapture systemLog;
-        const auto contentAfter = [&](const QString& line) {
-            writeToTextFile(line);
-            return contentOf(file_);
-        };
-        QCOMPARE(contentAfter(u"KV460 192.168.100.200"_s), "KV460 192.168.100.200");
-        QCOMPARE(contentAfter(u"KV210 192.168.1.10"_s),
-                 "KV210 192.168.1.10");  // Shorter than the old one.
-        QCOMPARE(contentAfter(u"KV210 ١٩٢"_s), "KV210 192.168.1.10");
-        (void)systemLog.take();
-        QCOMPARE(contentAfter(QString()), "KV210 192.168.1.10");
+        writeToTextFile(QString());
         QCOMPARE(systemLog.take().join(u'|'), u"Going to Write (null)|writeToTextFile|writeToTextFile end"_s);
-        QVERIFY(QFile::remove(file_) && QFile::link(u"elsewhere"_s, file_));
-        QCOMPARE(contentAfter(u"KV260 10.0.0.1"_s), "KV260 10.0.0.1");
-        QVERIFY(QFileInfo(file_).isSymLink() && QFile::remove(file_) && QDir().mkpath(file_ + u"/full"_s));
-        QCOMPARE(contentAfter(u"KV260 10.0.0.1"_s), QByteArray());
+        QCOMPARE(contentOf(file_), "old");
+    }
+
+    void outlivesAMissingFolder() {
         documents = QString();
         (void)takeLog(home_);
+        SystemLogCapture systemLog;
         writeToTextFile(u"KV210 10.0.0.1"_s);
         QCOMPARE(takeLog(home_).join(u'|'), u"Writing to Text File|writeToTextFile failed"_s);
-        QCOMPARE(systemLog.take().last(), u"writeToTextFile failed"_s);
-    }
-
-    /// Also a folder, a link to nowhere, and in no folder at all; a file that is not there is no error.
-    void removes() {
-        SystemLogCapture systemLog;
-        const auto lines = [&] {
-            RemoveFile();
-            return systemLog.take().join(u'|').remove(u'y') + (QFileInfo::exists(file_) ? u" left"_s : u""_s);
-        };
-        QVERIFY(QDir().mkpath(file_ + u"/full"_s));
-        QCOMPARE(lines(), u"(null)"_s);
-        writeFile(file_, "KV460 192.168.100.200");
-        QCOMPARE(lines(), u"(null)"_s);
-        QVERIFY(QFile::link(u"elsewhere"_s, file_));
-        QCOMPARE(lines(), u"(null)"_s);
-        QCOMPARE(lines(), u""_s);
-        documents = QString(256, u'y');
-        QCOMPARE(lines(), u"Error Code=512 \"File name too long\" /KV.txt"_s);
-        documents = QString();
+        QCOMPARE(systemLog.take().join(u'|'), u"Going to Write KV210 10.0.0.1|writeToTextFile failed"_s);
         QVERIFY(QDir::setCurrent(home_.path()) && QDir().mkpath(u"(null)/KV.txt"_s));
-        QCOMPARE(lines(), u"(null)"_s);
+        QCOMPARE(removed(), u"(null)"_s);
     }
 
-    /// Somebody else removes the file at the same time: each removal is told by the one who made it.
+    /// Two remove each file at the same time: one of them has removed it.
     void reportsOnlyItsOwnRemovals() {
-        const QByteArray file = (home_.path() + u"/shared"_s).toUtf8();
-        std::atomic<int> created = 0;
-        int removedThere = 0;
-        std::jthread other([&](const std::stop_token& stop) {
+        std::atomic<int> removals = 0;
+        const auto remove = [&](const std::stop_token& stop) {
             while (!stop.stop_requested()) {
-                created += ::close(::open(file, O_CREAT | O_EXCL, 0600)) == 0 ? 1 : 0;
-                removedThere += ::unlink(file) == 0 ? 1 : 0;
+                removals += removeItemAtPath(file_).code == FileError::none ? 1 : 0;
             }
-        });
-        int removedHere = 0;
-        while (created < 5'000) {
-            removedHere += removeItemAtPath(QString::fromUtf8(file)).code == FileError::none ? 1 : 0;
+        };
+        int created = 0;
+        {
+            const std::jthread one(remove);
+            const std::jthread other(remove);
+            for (const QByteArray file = file_.toUtf8(); created < 2'000;) {
+                created += ::close(::open(file, O_CREAT | O_EXCL, 0600)) == 0 ? 1 : 0;
+            }
         }
-        other.request_stop();
-        other.join();
-        QVERIFY(removedHere > 0);
-        QCOMPARE(removedHere + removedThere, created.load());
+        QCOMPARE(removals + (QFile::remove(file_) ? 1 : 0), created);
     }
 
   private:
+    /// What removing the hand-off file writes to the system log.
+    [[nodiscard]] QString removed() const {
+        SystemLogCapture systemLog;
+        RemoveFile();
+        return systemLog.take().join(u'|') + (QFileInfo::exists(file_) ? u" left"_s : u""_s);
+    }
+
     TemporaryHome home_;
     const QString file_ = home_.selectionFile();
 };

@@ -1,5 +1,6 @@
-// Whole runs against a subnet of printers: what goes out byte for byte, what is found, and the log record by
-// record.
+// Whole runs of discovery: what is sent, found and logged, and that a run ends
+// in bounded time, with a list and a log that tell the truth, on a hostile
+// network and on a broken machine.
 
 #include "discovery/PrinterDiscovery.h"
 #include "discovery/ProbeCollection.h"
@@ -7,55 +8,124 @@
 #include "support/TestMain.h"
 
 #include <QElapsedTimer>
-#include <QTest>
+#include <QRegularExpression>
+
+#include <fcntl.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/resource.h>
+#include <sys/select.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <functional>
+#include <thread>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString manualEntry = u"Enter IP Address Manually\n"_s;
-
-// The messages as they stand in RFC 1157's encoding, with the community "public".
-const QString probe =
-    u"224.0.0.1 302402010004067075626c6963a117020101020100020100300c300a06062b060102012b0500"_s;
-const QString deviceIdRequest =
-    u"302d02010004067075626c6963a02002010202010002010030153013060f2b06010401950b01020102010103010500"_s;
-
-struct Printer {
-    QString does;      ///< As the virtual printers take it, without the address.
-    QString model{};   ///< The model name it is found under; empty for one that is not.
-    QString record{};  ///< What is logged of its answer.
-    int replies = 1;
+/// What goes wrong for the discovery.
+struct Faults {
+    int socketsLeft = 1'000'000;
+    int lowestDescriptor = 0;
+    std::function<int(bool hasDescriptor)> select{};  // Anything but 0 is its result.
+    std::function<int()> poll{};
+    bool badChecksums = false;
+    int timeout = 1000;
 };
+Faults faults;
+std::vector<std::jthread> strangers;
+QByteArrayList sent;  // In hexadecimal.
 
-/// The records of a printer of the series; %1 is the length of the list by then.
-QString records(const QString& model, const QString& maker = u"Tovik"_s) {
-    return u"Response is %2\nCount Inside Is %1\nPrinter manufacture is %3\nPrinter modal is %2\n"_s.arg(
-        u"%1"_s, model, maker);
+int fail(int error) {
+    errno = error;
+    return -1;
 }
 
-QString raw(const QByteArray& reply) {
-    return u"raw "_s + QString::fromLatin1(reply.toHex());
+}  // namespace
+
+// The linker puts these in front of the system's own.
+extern "C" {
+int __real_socket(int domain, int type, int protocol);
+int __real_select(int, fd_set*, fd_set*, fd_set*, timeval*);
+int __real_poll(pollfd*, nfds_t, int);
+ssize_t __real_sendto(int, const void*, std::size_t, int, const sockaddr*, socklen_t);
+
+int __wrap_socket(int domain, int type, int protocol) {
+    if (faults.socketsLeft-- <= 0) {
+        return fail(EMFILE);
+    }
+    const int first = __real_socket(domain, type, protocol);
+    const int moved = ::fcntl(first, F_DUPFD, faults.lowestDescriptor);
+    ::close(first);
+    return moved;
+}
+int __wrap_select(int highest, fd_set* readable, fd_set* writable, fd_set* special, timeval* wait) {
+    const int result = faults.select ? faults.select(highest > 0) : 0;
+    return result != 0 ? result : __real_select(highest, readable, writable, special, wait);
+}
+int __wrap_poll(pollfd* descriptors, nfds_t count, int wait) {
+    return faults.poll ? faults.poll() : __real_poll(descriptors, count, wait);
 }
 
-const QString timedOut = u"Cant able to receive anything Resource temporarily unavailable\n"_s;
-const QByteArray id = deviceId(u"KV410"_s).toLatin1();
+/// A stranger sends datagrams whose checksum is wrong to the socket. Each wakes
+/// it and gives it nothing.
+void sendBadChecksums(sockaddr_in to) {
+    const int raw = __real_socket(AF_INET, SOCK_RAW, IPPROTO_UDP);
+    // Ports, length, checksum. Short ones are checked before anybody is woken.
+    const QByteArray datagram = QByteArray::fromHex("00a1") +
+                                QByteArray(reinterpret_cast<const char*>(&to.sin_port), 2) +
+                                QByteArray::fromHex("00d01234") + QByteArray(200, 'x');
+    for (int count = 0; count < 5; ++count) {
+        __real_sendto(raw, datagram.constData(), 208, 0, reinterpret_cast<sockaddr*>(&to), sizeof(to));
+        std::this_thread::sleep_for(std::chrono::milliseconds(400));
+    }
+    ::close(raw);
+}
+ssize_t __wrap_sendto(int descriptor, const void* data, std::size_t size, int flags, const sockaddr* to,
+                      socklen_t length) {
+    const ssize_t result = __real_sendto(descriptor, data, size, flags, to, length);
+    sent += QByteArray(static_cast<const char*>(data), static_cast<qsizetype>(size)).toHex();
+    sockaddr_in own{};
+    if (faults.badChecksums && ::getsockname(descriptor, reinterpret_cast<sockaddr*>(&own), &length) == 0) {
+        strangers.emplace_back(sendBadChecksums, own);
+    }
+    return result;
+}
+}
 
-// One has a maker that would be a format or a record, were it taken for one; the last sends more than a
-// reply.
-const std::vector<Printer> printers{
-    {u"answers "_s + deviceId(u"TVK KV260N"_s), u"KV260"_s, records(u"TVK KV260N"_s)},
-    {u"twice "_s + deviceId(u"KV210"_s), u"KV210"_s, records(u"KV210"_s), 2},
-    {u"answers MFG:Other;CMD:X;MDL:LP1;CLS:PRINTER;DES:x;SERN:1"_s},
-    {u"silent"_s, {}, timedOut},
-    {u"late 300 "_s + deviceId(u"KV460N"_s), u"KV460"_s, records(u"KV460N"_s)},
-    {u"late 1200 "_s + deviceId(u"KV460N"_s), {}, timedOut},
-    {raw("MFG:100%n%s\nvik;CMD:X;MDL:KV410;CLS:P;DES:d;SERN:1"), u"KV410"_s,
-     records(u"KV410"_s, u"100%n%s\nvik"_s)},
-    {u"raw -"_s},
-    {raw(QByteArray(1024 - id.size(), '\0') + id + "xxx"), u"KV410"_s, records(u"KV410"_s)},
-    {raw(QByteArray(1024, '\0') + id)},
-};
+namespace {
+
+const QString failed = u"Cant able to receive anything %1|"_s;
+const QString timedOut = failed.arg(u"Resource temporarily unavailable"_s);
+
+// The messages as they stand in RFC 1157's encoding, with the community
+// "public".
+const QByteArray probe =
+    "302402010004067075626c6963a117020101020100020100300c3"
+    "00a06062b060102012b0500";
+const QByteArray deviceIdRequest =
+    "302d02010004067075626c6963a02002010202010002010030153013060f2b06010401950b"
+    "01020102010103010500";
+
+/// A printer that sends these bytes for its device id.
+QString raw(int host, const QByteArray& reply) {
+    return u"10.0.0.%1 raw "_s.arg(host) + QString::fromLatin1(reply.toHex());
+}
+
+/// The records of a printer that is asked.
+QString asked(int host, const QString& outcome = {}) {
+    return u"Waiting for receive from 2@@@ |IP address is: 10.0.0.%1|"_s.arg(host) + outcome;
+}
+
+/// The outcome for one of the series; `count` is the length of the list by
+/// then.
+QString added(int count, const QString& model, const QString& maker = u"Tovik"_s) {
+    return u"Response is %2|Count Inside Is %1|Printer manufacture is %3|Printer modal is %2|"_s.arg(
+        QString::number(count), model, maker);
+}
 
 }  // namespace
 
@@ -63,53 +133,100 @@ class TestPrinterDiscovery : public QObject {
     Q_OBJECT
 
   private slots:
-    void findsTheSeries() {
-        QStringList lines;
-        for (const Printer& printer : printers) {
-            lines += u"10.0.0.%1 %2"_s.arg(lines.size() + 10).arg(printer.does);
-        }
-        const VirtualPrinters subnet(lines);
-        GetTovikQuazelPrinters();
-        const QStringList log = takeLog(home_);
-        QStringList list{manualEntry};
-        QStringList requests;
-        QString collected, examined;
-        for (const QString& localAddress : log.filter(u"**** "_s)) {
-            collected += localAddress + u'\n';
-            for (std::size_t index = 0; index < printers.size(); ++index) {
-                const Printer& printer = printers[index];
-                const QString address = u"10.0.0.%1"_s.arg(index + 10);
-                const QString entry = u"Tovik %1 @%2\n"_s.arg(printer.model, address);
-                for (int reply = 0; reply < printer.replies; ++reply) {
-                    if (!printer.model.isEmpty() && !list.contains(entry)) {
-                        list += entry;
-                    }
-                    collected += u"Waiting for Recevfrom\n"_s;
-                    examined += u"Waiting for receive from 2@@@ \nIP address is: %1\n"_s.arg(address) +
-                                QString(printer.record).replace(u"%1"_s, QString::number(list.size()));
-                    requests += address + u' ' + deviceIdRequest;
-                }
-            }
-            collected += u"Out of While loop\n"_s;
-        }
-        const QString total = u"Total Printers avialable in the Network %1\n"_s.arg(requests.count());
-        QCOMPARE(log.join(u'\n'),
-                 u"GetTovikQuazelPrinters\n"_s + collected + total + examined + u"Returning to UI**"_s);
-        QCOMPARE(subnet.requests(), QStringList(2, probe) + requests);
-        QCOMPARE(*g_PrinterList, list);
-        QVERIFY(log.contains(u"**** 10.0.0.1"_s) && log.contains(u"**** 127.0.0.1"_s));
+    void initTestCase() {
+        const rlimit limit{FD_SETSIZE + 100, FD_SETSIZE + 100};
+        QCOMPARE(::setrlimit(RLIMIT_NOFILE, &limit), 0);
     }
 
-    /// A printer that no longer answers is gone from the list, and each of two local addresses has its quiet time.
-    void forgetsWhoIsGone() {
+    void findsTheSeries() {
+        QCOMPARE(std::system("ip link set lan0 down"), 0);  // Nothing is sent there.
+        const QByteArray id = deviceId(u"KV410"_s).toLatin1();
+        const VirtualPrinters subnet({
+            u"10.0.0.1 answers "_s + deviceId(u"TVK KV260N"_s),
+            u"10.0.0.2 twice "_s + deviceId(u"KV210"_s),
+            u"10.0.0.3 answers MFG:Other;CMD:X;MDL:LP1;CLS:PRINTER;DES:x;SERN:1"_s,
+            u"10.0.0.4 silent"_s,
+            u"10.0.0.5 late 300 "_s + deviceId(u"KV460N"_s),
+            // A maker that would be a format or a record, were it taken for one.
+            raw(6, "MFG:100%n%s\nvik;CMD:X;MDL:KV410;CLS:P;DES:d;SERN:1"),
+            raw(7, QByteArray(1024 - id.size(), '\0') + id + "xxx"),
+        });
+        GetTovikQuazelPrinters();
+        QCOMPARE(std::system("ip link set lan0 up"), 0);
+        QCOMPARE(takeLog(home_).join(u'|'),
+                 u"GetTovikQuazelPrinters|**** 127.0.0.1|"_s + u"Waiting for Recevfrom|"_s.repeated(8) +
+                     u"Out of While loop|Total Printers avialable in the Network 8|"_s +
+                     asked(1, added(2, u"TVK KV260N"_s)) + asked(2, added(3, u"KV210"_s)) +
+                     asked(2, added(3, u"KV210"_s)) + asked(3) + asked(4, timedOut) +
+                     asked(5, added(4, u"KV460N"_s)) + asked(6, added(5, u"KV410"_s, u"100%n%s|vik"_s)) +
+                     asked(7, added(6, u"KV410"_s)) + u"Returning to UI**"_s);
+        QCOMPARE(g_PrinterList->join(u'|').remove(u'\n'),
+                 u"Enter IP Address Manually|Tovik KV260 @10.0.0.1|Tovik KV210 "
+                 u"@10.0.0.2|"
+                 "Tovik KV460 @10.0.0.5|Tovik KV410 @10.0.0.6|Tovik KV410 @10.0.0.7"_s);
+        QCOMPARE(sent, QByteArrayList{probe} + QByteArrayList(8, deviceIdRequest));
+    }
+
+    /// There are two local addresses, and a second of quiet on each.
+    void endsInTime_data() {
+        QTest::addColumn<Faults>("set");
+        QTest::addColumn<int>("printers");     // All silent, once they have answered the probe.
+        QTest::addColumn<QString>("records");  // Of what went wrong, and the total.
+        QTest::addColumn<int>("seconds");      // At least; less than two more.
+        const auto row = [](const char* name, const Faults& set, int printers, const QString& records,
+                            int seconds) { QTest::newRow(name) << set << printers << records << seconds; };
+        const auto badSocket = [](bool hasDescriptor) { return hasDescriptor ? fail(EBADF) : 0; };
+        const auto ready = [](bool) { return 1; };
+        const auto alwaysSignal = [](bool) { return fail(EINTR); };
+        const auto oneSignal = [count = 0](bool) mutable { return count++ == 0 ? fail(EINTR) : 0; };
+        const auto signalAtQuestion = [] { return fail(EINTR); };
+        const auto noPatience = [] { return 0; };
+        const QString select = u"Select return -1 %1|"_s;
+        const QString interrupted = select.arg(EINTR);
+        const QString none = u"Total 0|"_s;
+        const QString two = u"Total 2|"_s;
+        row("nobody there", {}, 0, none, 2);
+        row("a quiet time below a second", {.timeout = 999}, 0, none, 0);
+        row("no socket for the probes", {.socketsLeft = 0}, 1, none, 2);
+        row("no socket for the questions", {.socketsLeft = 2}, 1,
+            two + failed.arg(u"Bad file descriptor"_s).repeated(2), 2);
+        row("sockets that fit no descriptor set", {.lowestDescriptor = FD_SETSIZE}, 1, none, 2);
+        row("select fails on every socket", {.select = badSocket}, 1, select.arg(EBADF).repeated(2) + none,
+            2);
+        row("select always fails", {.select = alwaysSignal}, 1, interrupted.repeated(256) + none, 0);
+        row("announced but not there", {.select = ready}, 0, timedOut.repeated(256) + none, 0);
+        row("a signal arrives", {.select = oneSignal, .poll = noPatience}, 1,
+            interrupted + two + timedOut.repeated(2), 2);
+        row("signals arrive at a question", {.poll = signalAtQuestion}, 1,
+            two + failed.arg(u"Interrupted system call"_s).repeated(2), 2);
+        row("a flood of datagrams", {.poll = noPatience}, 300, u"Total 256|"_s + timedOut.repeated(256), 0);
+        row("bad checksums", {.badChecksums = true}, 1, two + timedOut.repeated(2), 4);
+    }
+    void endsInTime() {
+        QFETCH(int, printers);
+        QFETCH(QString, records);
+        QFETCH(Faults, set);
+        QFETCH(int, seconds);
+        QStringList lines;
+        for (int host = 0; host < printers; ++host) {
+            lines += u"127.0.%1.%2 silent"_s.arg(host / 200 + 1).arg(host % 200);
+        }
+        const VirtualPrinters subnet(lines);
         QElapsedTimer timer;
         timer.start();
+        faults = set;
+        Timeout = set.timeout;
+        g_PrinterList = std::make_shared<QStringList>(u"found earlier"_s);
         GetTovikQuazelPrinters();
-        QVERIFY(timer.elapsed() >= 2000 && timer.elapsed() < 2900);
-        Timeout = 999;
-        GetTovikQuazelPrinters();
-        QVERIFY(timer.elapsed() < 3800);
-        QCOMPARE(*g_PrinterList, QStringList(manualEntry));
+        faults = {};
+        const qint64 elapsed = timer.elapsed();
+        strangers.clear();
+        const QRegularExpression told(u"^(Select|Cant|Total|Returning)"_s);
+        QCOMPARE(takeLog(home_).filter(told).join(u'|').remove(u"Printers avialable in the Network "_s),
+                 records + u"Returning to UI**"_s);
+        QCOMPARE(*g_PrinterList, QStringList(u"Enter IP Address Manually\n"_s));
+        QVERIFY2(elapsed >= seconds * 1000 && elapsed < seconds * 1000 + 1900,
+                 qPrintable(QString::number(elapsed)));
     }
 
   private:

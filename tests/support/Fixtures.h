@@ -1,24 +1,23 @@
-// What several tests stand on: a home folder of their own, the diagnostic log read back, and a subnet of
-// printers.
+// What several tests stand on: a home folder of their own, the diagnostic log
+// read back, and a subnet of printers.
 
 #pragma once
 
-#include <QProcess>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
 
+#include <csignal>
 #include <cstdio>
-#include <memory>
 
-/// A home folder that lasts as long as this object; the process's documents and settings lie in it. Made
-/// before anything asks for a folder.
+/// A home folder that lasts as long as this object; the process's documents and
+/// settings lie in it. Made before anything asks for a folder.
 class TemporaryHome {
   public:
     TemporaryHome();
 
     [[nodiscard]] QString path() const { return folder_.path(); }
-    [[nodiscard]] QString documents() const { return path() + QStringLiteral("/Documents"); }
+    [[nodiscard]] QString documents() const { return folder_.filePath(QStringLiteral("Documents")); }
     [[nodiscard]] QString selectionFile() const { return documents() + QStringLiteral("/KV.txt"); }
     [[nodiscard]] QString log() const { return documents() + QStringLiteral("/QzInstall.log"); }
 
@@ -28,54 +27,53 @@ class TemporaryHome {
 
 /// A file's bytes; null when it can't be read.
 [[nodiscard]] QByteArray contentOf(const QString& path);
-void writeFile(const QString& path, const QByteArray& content);
 
-/// The messages of the diagnostic log: its lines without the build date and tab, which every line that has
-/// them must have in the exact form. Continuation lines of a message are lines of their own. Empties the log,
-/// so that the next call gives what came since.
+/// Returns the path.
+QString writeFile(const QString& path, const QByteArray& content);
+
+/// The messages of the diagnostic log: its lines without the build date and
+/// tab, which every line that has them must have in the exact form.
+/// Continuation lines of a message are lines of their own. Empties the log, so
+/// that the next call gives what came since.
 [[nodiscard]] QStringList takeLog(const TemporaryHome& home);
 
-/// A program in a process of its own. Ends with this object, and with the test should that die. Not a
-/// QProcess: ThreadSanitizer takes the way that starts one for a fork of the test, and reports nothing from
-/// then on.
+/// A program in a process of its own. Ends with this object, and with the test
+/// should that die. Not a QProcess: ThreadSanitizer takes the way that starts
+/// one for a fork of the test, and reports nothing from then on.
 class SpawnedProgram {
   public:
-    /// A command of the shell; it shares the test's environment and standard error.
+    /// A command of the shell; it shares the test's environment and standard
+    /// error.
     explicit SpawnedProgram(const QString& command);
     SpawnedProgram(const SpawnedProgram&) = delete;
     SpawnedProgram& operator=(const SpawnedProgram&) = delete;
-    ~SpawnedProgram();
+    ~SpawnedProgram() { end(); }
 
     /// The next line of its standard output, waited for; empty at the end.
     [[nodiscard]] QByteArray readLine();
 
-    /// Sends SIGTERM. Exit status, or -1 when it ends by a signal.
-    int terminate();
+    void send(int signal) const { ::kill(pid_, signal); }
+
+    /// Sends the signal and waits for the end. Exit status, or -1 when it ends by a signal.
+    int end(int signal = SIGTERM);
 
   private:
     FILE* output_;  // null once it has ended
     int pid_;
 };
 
-/// A subnet of printers in a process of its own; needs a network of its own. Ends with this object.
+/// A subnet of printers in a process of its own; needs a network of its own.
+/// Ends with this object.
 class VirtualPrinters {
   public:
-    /// Lines as the tool takes them, such as "10.0.0.5 answers MFG:...". Returns when all listen.
+    /// Lines as the tool takes them, such as "10.0.0.5 answers MFG:...". Returns
+    /// when all listen.
     explicit VirtualPrinters(const QStringList& lines);
-
-    /// The requests that came, in order, each as "ADDRESS HEXBYTES".
-    [[nodiscard]] QStringList requests() const;
 
   private:
     QTemporaryDir folder_;
-    std::unique_ptr<SpawnedProgram> process_;
+    SpawnedProgram process_;
 };
 
 /// A complete device id of the series' form with the given model text.
 [[nodiscard]] QString deviceId(const QString& model);
-
-/// A file of the source tree, by its path in it.
-[[nodiscard]] QString sourcePath(const QString& path);
-
-/// A program of the build, by its name.
-[[nodiscard]] QString programPath(const QString& name);

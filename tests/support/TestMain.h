@@ -1,4 +1,5 @@
-// main() of a test program: QUAZEL_TEST_MAIN(Class, Application) at the end of its source file.
+// main() of a test program: QUAZEL_TEST_MAIN(Class, Application) at the end of
+// its source file.
 
 #pragma once
 
@@ -7,16 +8,9 @@
 // QTRY_VERIFY of Qt 6.8 narrows a duration where it is used.
 #pragma GCC diagnostic ignored "-Wconversion"
 
-/// The exit status by which ctest knows a skipped test.
-inline constexpr int testSkipped = 77;
+#include <net/if.h>
 
-/// Whether the process has a network of its own, made by tools/private-network: the variable is set and no
-/// interface but that network's is there, so that no probe can leave the machine. Says so on standard output
-/// when not.
-[[nodiscard]] bool hasPrivateNetwork();
-
-/// Widgets are drawn off screen, unless QT_QPA_PLATFORM says where.
-void useNoDisplay();
+#include <cstdio>
 
 #ifdef QUAZEL_NETWORK_TEST
 inline constexpr bool needsPrivateNetwork = true;
@@ -24,13 +18,27 @@ inline constexpr bool needsPrivateNetwork = true;
 inline constexpr bool needsPrivateNetwork = false;
 #endif
 
-#define QUAZEL_TEST_MAIN(Class, Application)               \
-    int main(int argc, char** argv) {                      \
-        if (needsPrivateNetwork && !hasPrivateNetwork()) { \
-            return testSkipped;                            \
-        }                                                  \
-        useNoDisplay();                                    \
-        Application application(argc, argv);               \
-        Class test;                                        \
-        return QTest::qExec(&test, argc, argv);            \
+/// Whether tools/private-network runs this, with its bridge, so that no probe
+/// can leave the machine.
+inline bool hasPrivateNetwork() {
+    return qEnvironmentVariableIsSet("QUAZEL_PRIVATE_NETWORK") && ::if_nametoindex("lan0") != 0;
+}
+
+template <class Test, class Application>
+int runTest(int argc, char** argv) {
+    if (needsPrivateNetwork && !hasPrivateNetwork()) {
+        std::puts("SKIPPED: needs a network of its own (tools/private-network --bridge)");
+        return 77;  // By which ctest knows a skipped test.
+    }
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
+    Application application(argc, argv);
+    Test test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#define QUAZEL_TEST_MAIN(Class, Application)            \
+    int main(int argc, char** argv) {                   \
+        return runTest<Class, Application>(argc, argv); \
     }

@@ -1,0 +1,31 @@
+#!/usr/bin/env bash
+# test_PluginLoader.sh INSTALLER PLUGINS: which files the installer takes for pages, what it says, and with which status
+# it ends. PLUGINS is a folder of builds of support/TestPlugin.cpp.
+source "$(dirname "$0")/support/expect.sh"
+installer=$1
+export QT_QPA_PLATFORM=offscreen
+pages=$HOME/pages
+mkdir "$pages"
+
+expect 0 'quazel-installer 1.' "$installer" -v
+expect 2 'colour' "$installer" --colour
+expect 2 'see --help' "$installer" now
+expect 1 "$HOME/missing: is not a readable folder" "$installer" --plugins "$HOME/missing"
+expect 1 "no usable plug-in in $pages" "$installer" --plugins "$pages"
+
+expect_refused() {
+    mv "$1" "$pages/page.so"
+    expect 1 "$pages/page.so: $2" "$installer" --plugins "$pages"
+}
+echo 'no program' >"$HOME/text"
+cp "$2"/*.so "$HOME"
+mkfifo "$HOME/fifo"
+expect_refused "$HOME/fifo" 'is not a regular file'
+expect_refused "$HOME/text" 'is not a plug-in'
+expect_refused "$HOME/plugin_foreign.so" 'is made for "org.example.Other"'
+expect_not 'plug-in was run'
+expect_refused "$HOME/plugin_newer.so" 'is made for "com.tovik.quazel.InstallerPluginFactory/2.0"'
+expect_not 'plug-in was run'
+expect_refused "$HOME/plugin_user.so" 'did not create a page'
+
+HOME=$pages/page.so expect 1 "The folder $pages/page.so/Documents can't be written to" "$installer" --plugins "$pages"

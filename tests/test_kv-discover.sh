@@ -1,0 +1,46 @@
+#!/usr/bin/env bash
+# test_kv-discover.sh PROGRAM: the search from a terminal, among agents that nobody here wrote: net-snmp's snmpd in one
+# network namespace each, on the bridge lan0.
+source "$(dirname "$0")/support/expect.sh"
+source "$(dirname "$0")/../tools/background.sh"
+program=$1
+if [[ -z ${QUAZEL_PRIVATE_NETWORK:-} ]]; then
+    echo 'SKIPPED: needs a network of its own (tools/private-network --bridge)'
+    exit 77
+fi
+export PATH=$PATH:/usr/sbin
+mkdir "$HOME/Documents"
+
+add_host() {  # NUMBER MODEL
+    ip netns add "host$1"
+    ip link add "port$1" type veth peer name eth0 netns "host$1"
+    ip link set "port$1" master lan0 up
+    ip -n "host$1" link set eth0 up
+    ip -n "host$1" address add "10.0.0.$1/24" dev eth0
+    printf 'rocommunity public\noverride .1.3.6.1.4.1.2699.1.2.1.2.1.1.3.1 octet_str "%s"\n' \
+        "MFG:Tovik;CMD:X;MDL:$2;CLS:PRINTER;DES:card printer;SERN:A1" >"$HOME/snmpd$1.conf"
+    # Whether it has its socket; asking it would teach the bridge what the search has to find out.
+    background "ip netns exec host$1 grep -q :00A1 /proc/net/udp" \
+        ip netns exec "host$1" snmpd -f -Lo -C -c "$HOME/snmpd$1.conf" udp:161
+}
+
+search() {  # Sorted, as the hosts answer in any order.
+    local status=0
+    "$program" >"$HOME/output" 2>"$HOME/errors" || status=$?
+    sort "$HOME/output"
+    sort "$HOME/errors"
+    return $status
+}
+
+ip route del local 10.0.0.0/24 dev lo  # Here the printers are other hosts.
+add_host 2 $'LP\e[1m'
+expect 1 $'PrinterInfo.szModel LP\e[1m' search
+add_host 3 'TVK KV260N'
+add_host 4 'KV460'
+expect 0 $'Tovik KV260 @10.0.0.3\nTovik KV460 @10.0.0.4
+PrinterInfo.szModel KV460\nPrinterInfo.szModel LP\e[1m\nPrinterInfo.szModel TVK KV260N' search
+expect 0 '' ls "$HOME"/Documents/QzInstall-*.log
+
+# Nothing that the network says controls the terminal.
+expect 0 $'PrinterInfo.szModel LP\\x1b[1m' script -qec "$program >/dev/null" /dev/null
+expect 2 'takes no arguments' "$program" 10.0.0.3
