@@ -1,11 +1,9 @@
-// The device id in a reply: found, cut and split, whatever the bytes around it
-// are; and which model texts in it are the series'.
+// The device id in a reply: found, cut and split, whatever the bytes around it are; and which model texts in
+// it are the series'.
 
 #include "discovery/DeviceId.h"
 #include "discovery/ModelCatalog.h"
 #include "support/TestMain.h"
-
-#include <QTest>
 
 class TestDeviceId : public QObject {
     Q_OBJECT

@@ -1,6 +1,5 @@
-// The diagnostic log and the hand-off file byte for byte, on folders that are
-// in order and on folders that are not. The log begins once a process, so each
-// case of it runs in a child of its own.
+// The diagnostic log and the hand-off file byte for byte, on folders that are in order and on folders that
+// are not. The log begins once a process, so each case of it runs in a child of its own.
 
 #include "BuildDate.h"
 #include "handoff/DiagnosticLog.h"
@@ -50,8 +49,7 @@ class TestHandoff : public QObject {
         QFile::remove(file_);
     }
 
-    /// There is an old log, and two records are written: "A" without a line end,
-    /// and one with arguments.
+    /// There is an old log, and two records are written: "A" without a line end, and one with arguments.
     void records_data() {
         QTest::addColumn<QByteArray>("before");  // Commands of the shell.
         QTest::addColumn<QByteArray>("between");
@@ -71,8 +69,7 @@ class TestHandoff : public QObject {
         row("read-only folder", "mount --bind Documents Documents; mount -o remount,bind,ro Documents",
             "true", "old\n", error.arg(u"642 \"Read-only file system\""_s));
         row("full disk, until there is room",
-            "mount -t tmpfs -o size=64k none Documents; head -c 64k /dev/zero "
-            ">Documents/rest",
+            "mount -t tmpfs -o size=64k none Documents; head -c 64k /dev/zero >Documents/rest",
             "rm Documents/rest", b);
         row("no folder, until there is one", "rm -r Documents", "mkdir Documents", b);
     }
@@ -102,8 +99,7 @@ class TestHandoff : public QObject {
     void keepsEarlierLogsOfOneSecond() {
         for (const QByteArray content : {"a", "b", "c"}) {
             shell("printf " + content +
-                  " >Documents/QzInstall.log; touch -d '2023-11-04 08:05' "
-                  "Documents/QzInstall.log");
+                  " >Documents/QzInstall.log; touch -d '2023-11-04 08:05' Documents/QzInstall.log");
             keepEarlierLog();
             keepEarlierLog();  // There is none.
         }
@@ -161,7 +157,7 @@ class TestHandoff : public QObject {
         {
             const std::jthread one(remove);
             const std::jthread other(remove);
-            for (const QByteArray file = file_.toUtf8(); created < 2'000;) {
+            for (const QByteArray file = file_.toUtf8(); created < 500;) {
                 created += ::close(::open(file, O_CREAT | O_EXCL, 0600)) == 0 ? 1 : 0;
             }
         }

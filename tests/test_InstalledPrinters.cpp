@@ -1,5 +1,5 @@
-// The walk over the print queues, record by record, against a print service of
-// the test's own that is in order, that is silent, and that stops.
+// The walk over the print queues, record by record, against a print service of the test's own that is in
+// order, that is silent, and that stops.
 
 #include "discovery/InstalledPrinters.h"
 #include "support/Fixtures.h"
@@ -27,8 +27,7 @@ int longestWait = 0;                                 // Before the cut, in milli
 
 const QString series = u"Tovik-KV210-Ethernet-Printer-IP=10.0.0."_s;
 
-/// Queues, and the values of the attribute PCFileName in their PPDs; without
-/// any, the PPD is none.
+/// Queues, and the values of the attribute PCFileName in their PPDs; without any, the PPD is none.
 const std::pair<QString, QByteArrayList> queues[]{{u"Office"_s, {"OFFICE.PPD"}},
                                                   {series + u'1', {"KV210.PPD"}},
                                                   {series + u'2', {"kv210.ppd"}},
@@ -69,26 +68,25 @@ class TestInstalledPrinters : public QObject {
         service_.emplace(QStringLiteral(QUAZEL_SOURCE_DIR "/tools/private-cupsd ") + cups_);
         QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(QString::fromUtf8(socket_)), 40'000);
     }
+
     void logsEachQueue() {
         // Without what is the same in each name and path.
         const QString log = logOf(series + u'3').join(u'|').remove(cups_ + u"/etc/ppd"_s);
-        QCOMPARE(QString(log).replace(series, u"KV."_s),
-                 u"GetInstalledPrinterList|Number of printers found in the system is 5|"
-                 "Model Name *** Is KV.3|"
-                 "Printer name is Office|PPD name is /Office.ppd|Attr  value is "
-                 "OFFICE.PPD|"
-                 "Printer name is KV.1|PPD name is /KV.1.ppd|String str Value is KV.1|"
-                 "ModelName string was not found|Attr  value is KV210.PPD|"
-                 "Printer name is KV.2|PPD name is /KV.2.ppd|Attr  value is kv210.ppd|"
-                 "Printer name is KV.3|PPD name is /KV.3.ppd|Attr  value is OTHER.PPD|"
-                 "String str Value is KV.3|ModelName String was found|"
-                 "Printer name is KV.4|PPD name is /KV.4.ppd|PPD open failed|"
-                 "Return from CUPS Printer List"_s);
+        QCOMPARE(
+            QString(log).replace(series, u"KV."_s),
+            u"GetInstalledPrinterList|Number of printers found in the system is 5|"
+            "Model Name *** Is KV.3|Printer name is Office|PPD name is /Office.ppd|Attr  value is OFFICE.PPD|"
+            "Printer name is KV.1|PPD name is /KV.1.ppd|String str Value is KV.1|"
+            "ModelName string was not found|Attr  value is KV210.PPD|"
+            "Printer name is KV.2|PPD name is /KV.2.ppd|Attr  value is kv210.ppd|"
+            "Printer name is KV.3|PPD name is /KV.3.ppd|Attr  value is OTHER.PPD|"
+            "String str Value is KV.3|ModelName String was found|"
+            "Printer name is KV.4|PPD name is /KV.4.ppd|PPD open failed|"
+            "Return from CUPS Printer List"_s);
         QCOMPARE(g_PrinterAlreadyInstalled, 1);
     }
 
-    /// The longest target of a link that fits the buffer counts. One byte more,
-    /// or no link: it does not.
+    /// The longest target of a link that fits the buffer counts. One byte more, or no link: it does not.
     void passesOverPpdsWithoutAUsableLink() {
         const QByteArray link = (home_.path() + u"/link"_s).toUtf8();
         const QByteArray longest = ppdPath(series + u'1').toUtf8().rightJustified(1023, '/');
@@ -140,12 +138,10 @@ class TestInstalledPrinters : public QObject {
     }
 
   private:
-    /// The log of one check, the numbers of errors left out: they are CUPS's
-    /// business.
+    /// The log of one check, the numbers of errors left out: they are CUPS's business.
     QStringList logOf(const QString& lookedFor) {
         g_ModelName = lookedFor;
-        // A thread of its own, as CUPS remembers for each thread which service it
-        // found.
+        // A thread of its own, as CUPS remembers for each thread which service it found.
         std::thread(GetInstalledPrinterList).join();
         return takeLog(home_).replaceInStrings(QRegularExpression(u"^(PPD open failed) \\d+$"_s), u"\\1"_s);
     }

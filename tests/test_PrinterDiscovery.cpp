@@ -1,6 +1,5 @@
-// Whole runs of discovery: what is sent, found and logged, and that a run ends
-// in bounded time, with a list and a log that tell the truth, on a hostile
-// network and on a broken machine.
+// Whole runs of discovery: what is sent, found and logged, and that a run ends in bounded time, with a list
+// and a log that tell the truth, on a hostile network and on a broken machine.
 
 #include "discovery/PrinterDiscovery.h"
 #include "discovery/ProbeCollection.h"
@@ -70,8 +69,7 @@ int __wrap_poll(pollfd* descriptors, nfds_t count, int wait) {
     return faults.poll ? faults.poll() : __real_poll(descriptors, count, wait);
 }
 
-/// A stranger sends datagrams whose checksum is wrong to the socket. Each wakes
-/// it and gives it nothing.
+/// Datagrams whose checksum is wrong: each wakes the receiver and gives it nothing.
 void sendBadChecksums(sockaddr_in to) {
     const int raw = __real_socket(AF_INET, SOCK_RAW, IPPROTO_UDP);
     // Ports, length, checksum. Short ones are checked before anybody is woken.
@@ -101,14 +99,10 @@ namespace {
 const QString failed = u"Cant able to receive anything %1|"_s;
 const QString timedOut = failed.arg(u"Resource temporarily unavailable"_s);
 
-// The messages as they stand in RFC 1157's encoding, with the community
-// "public".
-const QByteArray probe =
-    "302402010004067075626c6963a117020101020100020100300c3"
-    "00a06062b060102012b0500";
+// The messages as they stand in RFC 1157's encoding, with the community "public".
+const QByteArray probe = "302402010004067075626c6963a117020101020100020100300c300a06062b060102012b0500";
 const QByteArray deviceIdRequest =
-    "302d02010004067075626c6963a02002010202010002010030153013060f2b06010401950b"
-    "01020102010103010500";
+    "302d02010004067075626c6963a02002010202010002010030153013060f2b06010401950b01020102010103010500";
 
 /// A printer that sends these bytes for its device id.
 QString raw(int host, const QByteArray& reply) {
@@ -120,8 +114,7 @@ QString asked(int host, const QString& outcome = {}) {
     return u"Waiting for receive from 2@@@ |IP address is: 10.0.0.%1|"_s.arg(host) + outcome;
 }
 
-/// The outcome for one of the series; `count` is the length of the list by
-/// then.
+/// The outcome for one of the series; `count` is the length of the list by then.
 QString added(int count, const QString& model, const QString& maker = u"Tovik"_s) {
     return u"Response is %2|Count Inside Is %1|Printer manufacture is %3|Printer modal is %2|"_s.arg(
         QString::number(count), model, maker);
@@ -161,8 +154,7 @@ class TestPrinterDiscovery : public QObject {
                      asked(5, added(4, u"KV460N"_s)) + asked(6, added(5, u"KV410"_s, u"100%n%s|vik"_s)) +
                      asked(7, added(6, u"KV410"_s)) + u"Returning to UI**"_s);
         QCOMPARE(g_PrinterList->join(u'|').remove(u'\n'),
-                 u"Enter IP Address Manually|Tovik KV260 @10.0.0.1|Tovik KV210 "
-                 u"@10.0.0.2|"
+                 u"Enter IP Address Manually|Tovik KV260 @10.0.0.1|Tovik KV210 @10.0.0.2|"
                  "Tovik KV460 @10.0.0.5|Tovik KV410 @10.0.0.6|Tovik KV410 @10.0.0.7"_s);
         QCOMPARE(sent, QByteArrayList{probe} + QByteArrayList(8, deviceIdRequest));
     }

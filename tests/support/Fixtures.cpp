@@ -59,6 +59,7 @@ int SpawnedProgram::end(int signal) {
         return -1;
     }
     send(signal);
+    send(SIGCONT);  // A stopped program would not get it.
     const int status = ::pclose(std::exchange(output_, nullptr));
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }

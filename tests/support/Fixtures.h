@@ -1,5 +1,5 @@
-// What several tests stand on: a home folder of their own, the diagnostic log
-// read back, and a subnet of printers.
+// What several tests stand on: a home folder of their own, the diagnostic log read back, and a subnet of
+// printers.
 
 #pragma once
 
@@ -10,8 +10,8 @@
 #include <csignal>
 #include <cstdio>
 
-/// A home folder that lasts as long as this object; the process's documents and
-/// settings lie in it. Made before anything asks for a folder.
+/// A home folder that lasts as long as this object; the process's documents and settings lie in it. Made
+/// before anything asks for a folder.
 class TemporaryHome {
   public:
     TemporaryHome();
@@ -31,19 +31,17 @@ class TemporaryHome {
 /// Returns the path.
 QString writeFile(const QString& path, const QByteArray& content);
 
-/// The messages of the diagnostic log: its lines without the build date and
-/// tab, which every line that has them must have in the exact form.
-/// Continuation lines of a message are lines of their own. Empties the log, so
-/// that the next call gives what came since.
+/// The messages of the diagnostic log: its lines without the build date and tab, which every line that has
+/// them must have in the exact form. Continuation lines of a message are lines of their own. Empties the log,
+/// so that the next call gives what came since.
 [[nodiscard]] QStringList takeLog(const TemporaryHome& home);
 
-/// A program in a process of its own. Ends with this object, and with the test
-/// should that die. Not a QProcess: ThreadSanitizer takes the way that starts
-/// one for a fork of the test, and reports nothing from then on.
+/// A program in a process of its own. Ends with this object, and with the test should that die. Not a
+/// QProcess: ThreadSanitizer takes the way that starts one for a fork of the test, and reports nothing from
+/// then on.
 class SpawnedProgram {
   public:
-    /// A command of the shell; it shares the test's environment and standard
-    /// error.
+    /// A command of the shell; it shares the test's environment and standard error.
     explicit SpawnedProgram(const QString& command);
     SpawnedProgram(const SpawnedProgram&) = delete;
     SpawnedProgram& operator=(const SpawnedProgram&) = delete;
@@ -62,12 +60,10 @@ class SpawnedProgram {
     int pid_;
 };
 
-/// A subnet of printers in a process of its own; needs a network of its own.
-/// Ends with this object.
+/// A subnet of printers in a process of its own; needs a network of its own. Ends with this object.
 class VirtualPrinters {
   public:
-    /// Lines as the tool takes them, such as "10.0.0.5 answers MFG:...". Returns
-    /// when all listen.
+    /// Lines as the tool takes them, such as "10.0.0.5 answers MFG:...". Returns when all listen.
     explicit VirtualPrinters(const QStringList& lines);
 
   private:

@@ -1,5 +1,4 @@
-// main() of a test program: QUAZEL_TEST_MAIN(Class, Application) at the end of
-// its source file.
+// main() of a test program: QUAZEL_TEST_MAIN(Class, Application) at the end of its source file.
 
 #pragma once
 
@@ -18,8 +17,7 @@ inline constexpr bool needsPrivateNetwork = true;
 inline constexpr bool needsPrivateNetwork = false;
 #endif
 
-/// Whether tools/private-network runs this, with its bridge, so that no probe
-/// can leave the machine.
+/// Whether tools/private-network runs this, with its bridge, so that no probe can leave the machine.
 inline bool hasPrivateNetwork() {
     return qEnvironmentVariableIsSet("QUAZEL_PRIVATE_NETWORK") && ::if_nametoindex("lan0") != 0;
 }
