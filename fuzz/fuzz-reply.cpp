@@ -42,7 +42,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     // A copy of its own that ends where the datagram would.
     const std::vector<char> reply(data, data + std::min<std::size_t>(size, 1024));
     g_PrinterList = std::make_shared<QStringList>(u"Enter IP Address Manually\n"_s);
-    for (const in_addr_t address : {0x0700000a, 0x0700000a, 0x0800000a}) {  // 10.0.0.7, twice, and 10.0.0.8
+    for (const in_addr_t address :
+         {0x0700000aU, 0x0700000aU, 0x0800000aU}) {  // 10.0.0.7, twice, and 10.0.0.8
         addPrinterOfReply(reply, {address});
     }
     static const QRegularExpression form(
