@@ -17,9 +17,16 @@ inline constexpr bool needsPrivateNetwork = true;
 inline constexpr bool needsPrivateNetwork = false;
 #endif
 
-/// Whether tools/private-network runs this, with its bridge, so that no probe can leave the machine.
+/// Whether tools/private-network runs this, with its bridge; and there is no other interface, so that no
+/// probe can leave the machine.
 inline bool hasPrivateNetwork() {
-    return qEnvironmentVariableIsSet("QUAZEL_PRIVATE_NETWORK") && ::if_nametoindex("lan0") != 0;
+    bool isPrivate = qgetenv("QUAZEL_PRIVATE_NETWORK") == "10.0.0";
+    struct if_nameindex* const interfaces = ::if_nameindex();
+    for (const auto* each = interfaces; each != nullptr && each->if_index != 0; ++each) {
+        isPrivate = isPrivate && (qstrcmp(each->if_name, "lo") == 0 || qstrcmp(each->if_name, "lan0") == 0);
+    }
+    ::if_freenameindex(interfaces);
+    return isPrivate;
 }
 
 template <class Test, class Application>
