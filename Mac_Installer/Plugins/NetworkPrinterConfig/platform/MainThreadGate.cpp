@@ -3,8 +3,6 @@
 #include <QMetaObject>
 #include <QObject>
 
-#include <utility>
-
 MainThreadGate::MainThreadGate() : doorbell_(std::make_unique<QObject>()) {}
 
 MainThreadGate::~MainThreadGate() {
@@ -13,37 +11,32 @@ MainThreadGate::~MainThreadGate() {
 
 bool MainThreadGate::runAndWait(const std::function<void()>& task) {
     std::unique_lock lock(mutex_);
-    if (closed_) {
+    if (!doorbell_) {
         return false;
     }
-    pending_ = &task;
-    state_ = Task::Waiting;
+    bool hasRun = false;
+    pending_ = [&] {
+        task();
+        hasRun = true;
+    };
     // Posted under the lock, so that close() can't destroy the doorbell in between.
     QMetaObject::invokeMethod(
         doorbell_.get(), [this] { runPending(); }, Qt::QueuedConnection);
-    changed_.wait(lock, [this] { return state_ == Task::Done || (closed_ && state_ == Task::Waiting); });
-    pending_ = nullptr;
-    return std::exchange(state_, Task::None) == Task::Done;
+    changed_.wait(lock, [this] { return !pending_; });
+    return hasRun;
 }
 
+/// Keeps the lock meanwhile; the only thread that could want it waits for this.
 void MainThreadGate::runPending() {
-    std::unique_lock lock(mutex_);
-    if (closed_ || state_ != Task::Waiting) {
-        return;
-    }
-    state_ = Task::Running;
-    const std::function<void()>* const task = pending_;
-    lock.unlock();
-    (*task)();
-    lock.lock();
-    state_ = Task::Done;
+    const std::lock_guard lock(mutex_);
+    pending_();
+    pending_ = nullptr;
     changed_.notify_all();
 }
 
 void MainThreadGate::close() {
     const std::lock_guard lock(mutex_);
-    closed_ = true;
-    // Also drops its queued events.
-    doorbell_.reset();
+    doorbell_.reset();  // Drops its queued events, too.
+    pending_ = nullptr;
     changed_.notify_all();
 }

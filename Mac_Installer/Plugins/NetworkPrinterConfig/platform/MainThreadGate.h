@@ -33,10 +33,9 @@ class MainThreadGate {
   private:
     void runPending();
 
+    // All guarded by mutex_.
     std::mutex mutex_;
     std::condition_variable changed_;
-    const std::function<void()>* pending_ = nullptr;  // guarded by mutex_, owned by the waiting thread
-    enum class Task { None, Waiting, Running, Done } state_ = Task::None;  // guarded by mutex_
-    bool closed_ = false;                                                  // guarded by mutex_
-    std::unique_ptr<QObject> doorbell_;  // lives on the main thread; guarded by mutex_ against close()
+    std::function<void()> pending_;      // empty: no thread waits
+    std::unique_ptr<QObject> doorbell_;  // lives on the main thread; null once closed
 };
