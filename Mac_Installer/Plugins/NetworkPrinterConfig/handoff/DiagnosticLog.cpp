@@ -1,6 +1,7 @@
 #include "handoff/DiagnosticLog.h"
 
 #include "BuildDate.h"
+#include "platform/Descriptor.h"
 #include "platform/DocumentsFolder.h"
 #include "platform/FileManager.h"
 #include "platform/StringFormat.h"
@@ -13,72 +14,19 @@
 #include <QFileInfo>
 
 #include <fcntl.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
 #include <cstdarg>
 #include <cstdio>
-#include <span>
-#include <string_view>
-#include <vector>
+#include <cstdlib>
 
 namespace {
 
 /// Without a documents folder this is "(null)/QzInstall.log", relative to the working directory.
 QString logFilePath() {
     return stringWithFormat(u"%@/QzInstall.log", {documentsDirectory()});
-}
-
-constexpr std::string_view recordStart = QUAZEL_BUILD_DATE "\t";
-
-/// The log file, open for one record. Makes the same system calls as a stream in mode "ab+", but without the
-/// stream, which took longer to set up and free than the write and split records longer than its buffer.
-class LogFile {
-  public:
-    explicit LogFile(const char* path) : descriptor_(::open(path, O_RDWR | O_CREAT | O_APPEND, 0666)) {}
-    LogFile(const LogFile&) = delete;
-    LogFile& operator=(const LogFile&) = delete;
-    ~LogFile() {
-        if (descriptor_ >= 0) {
-            ::close(descriptor_);
-        }
-    }
-
-    [[nodiscard]] bool isOpen() const { return descriptor_ >= 0; }
-
-    /// A record that can't be written is dropped.
-    void append(std::string_view record) const {
-        [[maybe_unused]] const ssize_t written = ::write(descriptor_, record.data(), record.size());
-    }
-
-  private:
-    int descriptor_;
-};
-
-/// Formats the record into `buffer`, truncated to fit. Returns the length of the whole record.
-[[gnu::format(printf, 2, 0)]] std::size_t formatRecord(std::span<char> buffer, const char* format,
-                                                       va_list arguments) {
-    const std::size_t start = recordStart.copy(buffer.data(), buffer.size());
-    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): every caller has started it.
-    const int length = std::vsnprintf(buffer.data() + start, buffer.size() - start, format, arguments);
-    return start + static_cast<std::size_t>(std::max(length, 0));
-}
-
-/// The stack buffer holds all but the longest records.
-[[gnu::format(printf, 2, 0)]] void appendRecord(const LogFile& log, const char* format, va_list arguments) {
-    va_list again;
-    va_copy(again, arguments);
-    std::array<char, 1024> buffer;
-    const std::size_t length = formatRecord(buffer, format, arguments);
-    if (length < buffer.size()) {
-        log.append({buffer.data(), length});
-    } else {
-        std::vector<char> largerBuffer(length + 1);
-        formatRecord(largerBuffer, format, again);
-        log.append({largerBuffer.data(), length});
-    }
-    va_end(again);
 }
 
 }  // namespace
@@ -101,14 +49,26 @@ void tDebugPrint(const char* format, ...) {
         return path;
     }();
 
-    const LogFile log(InstallerlogFilePath.constData());
-    if (!log.isOpen()) {
+    // The system calls of a stream in mode "ab+", without the stream, which took longer to set up and free
+    // than the write and split records longer than its buffer.
+    const Descriptor log(::open(InstallerlogFilePath.constData(), O_RDWR | O_CREAT | O_APPEND, 0666));
+    if (log.descriptor() < 0) {
         return;
     }
+    char* message = nullptr;
     va_list arguments;
     va_start(arguments, format);
-    appendRecord(log, format, arguments);
+    const int length = ::vasprintf(&message, format, arguments);
     va_end(arguments);
+    if (length < 0) {
+        return;
+    }
+    char start[] = QUAZEL_BUILD_DATE "\t";
+    const std::array<iovec, 2> record{
+        {{start, sizeof(start) - 1}, {message, static_cast<std::size_t>(length)}}};
+    // A record that can't be written is dropped.
+    [[maybe_unused]] const ssize_t written = ::writev(log.descriptor(), record.data(), record.size());
+    std::free(message);
 }
 
 void keepEarlierLog() {
