@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
 #include <string_view>
 
 namespace {
@@ -11,9 +10,7 @@ constexpr std::string_view firstKey = "MFG:";
 
 template <std::size_t Size>
 void copyTruncated(char (&field)[Size], const char* value) {
-    const std::size_t length = std::min(std::strlen(value), Size - 1);
-    std::copy_n(value, length, field);
-    field[length] = '\0';
+    field[std::string_view(value).copy(field, Size - 1)] = '\0';
 }
 
 }  // namespace

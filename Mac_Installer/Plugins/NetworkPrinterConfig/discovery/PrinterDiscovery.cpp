@@ -19,10 +19,6 @@ std::shared_ptr<QStringList> g_PrinterList;
 
 namespace {
 
-int listCount() {
-    return static_cast<int>(g_PrinterList->count());
-}
-
 /// Whether data arrives within one second; if not, errno is set as by a failed receive. SO_RCVTIMEO is not
 /// enough: the kernel restarts it after each datagram with a bad checksum, so it may never expire.
 bool isReadableInTime(int descriptor) {
@@ -82,17 +78,13 @@ void addPrinterOfReply(std::span<const char> reply, in_addr responder) {
     if (!g_PrinterList->contains(entry)) {
         g_PrinterList->append(entry);
     }
-    tDebugPrint("Count Inside Is %d\n", listCount());
+    tDebugPrint("Count Inside Is %d\n", static_cast<int>(g_PrinterList->count()));
     tDebugPrint("Printer manufacture is %s\n", info.szManufacturer);
     tDebugPrint("Printer modal is %s\n", info.szModel);
 }
 
 void resetPrinterList() {
     g_PrinterList = std::make_shared<QStringList>(QStringLiteral("Enter IP Address Manually\n"));
-}
-
-void GetTovikQuazelPrinters() {
-    GetTovikQuazelPrinters(std::stop_token());
 }
 
 void GetTovikQuazelPrinters(const std::stop_token& leaving) {

@@ -22,12 +22,9 @@ extern std::shared_ptr<QStringList> g_PrinterList;
 /// Resets g_PrinterList to the result of a run that found no printers. Not during a run.
 void resetPrinterList();
 
-/// Runs discovery. Blocks; errors are only logged. Any thread, one run at a time.
-void GetTovikQuazelPrinters();
-
-/// The same, with cancellation: after a stop request the run ends within one second or one Timeout, whichever
-/// is longer, and keeps the printers found so far.
-void GetTovikQuazelPrinters(const std::stop_token& leaving);
+/// Runs discovery. Blocks; errors are only logged. After a stop request the run ends within one second or one
+/// Timeout, whichever is longer, and keeps the printers found so far. Any thread, one run at a time.
+void GetTovikQuazelPrinters(const std::stop_token& leaving = {});
 
 /// Adds the printer that sent `reply` to g_PrinterList (not null) if it belongs to the series and is not
 /// listed yet. `reply` is untrusted data received after the device id request. Same thread as the run.

@@ -21,13 +21,10 @@ std::int32_t Timeout = 1000;
 
 namespace {
 
-/// The IPv4 address of an interface that is up, otherwise null. Loopback and point-to-point interfaces count.
-const sockaddr_in* usableAddress(const ifaddrs& entry) {
-    if ((entry.ifa_flags & IFF_UP) == 0 || entry.ifa_addr == nullptr ||
-        entry.ifa_addr->sa_family != AF_INET) {
-        return nullptr;
-    }
-    return reinterpret_cast<const sockaddr_in*>(entry.ifa_addr);
+/// Whether an interface is up and has an IPv4 address. Loopback and point-to-point interfaces count.
+bool isUsable(const ifaddrs& entry) {
+    return (entry.ifa_flags & IFF_UP) != 0 && entry.ifa_addr != nullptr &&
+           entry.ifa_addr->sa_family == AF_INET;
 }
 
 /// Errors are ignored: a probe that was not sent gets no reply, and the wait times out.
@@ -95,11 +92,10 @@ void collectReplies(int descriptor, ResponderTable& responders, const std::stop_
     }
 }
 
-void probeFrom(in_addr local, const char* localText, ResponderTable& responders,
-               const std::stop_token& leaving) {
+void probeFrom(in_addr local, ResponderTable& responders, const std::stop_token& leaving) {
     errno = 0;
     const UdpSocket socket;
-    tDebugPrint("**** %s\n", localText);
+    tDebugPrint("**** %s\n", dottedDecimal(local).data());
     sendProbe(socket.descriptor(), local);
     collectReplies(socket.descriptor(), responders, leaving);
     tDebugPrint("Out of While loop\n");
@@ -119,18 +115,10 @@ void collectResponders(ResponderTable& responders, const std::stop_token& leavin
         return;
     }
     const std::unique_ptr<ifaddrs, decltype(&::freeifaddrs)> owner(list, &::freeifaddrs);
-    for (const ifaddrs* entry = list; entry != nullptr; entry = entry->ifa_next) {
-        const sockaddr_in* const local = usableAddress(*entry);
-        if (local == nullptr) {
-            continue;
-        }
-        const DottedDecimal text = dottedDecimal(local->sin_addr);
-        if (text[0] == '\0') {
-            continue;
-        }
-        probeFrom(local->sin_addr, text.data(), responders, leaving);
-        if (responders.isClosed() || leaving.stop_requested()) {
-            return;
+    for (const ifaddrs* entry = list; entry != nullptr && !responders.isClosed() && !leaving.stop_requested();
+         entry = entry->ifa_next) {
+        if (isUsable(*entry)) {
+            probeFrom(reinterpret_cast<const sockaddr_in*>(entry->ifa_addr)->sin_addr, responders, leaving);
         }
     }
 }
