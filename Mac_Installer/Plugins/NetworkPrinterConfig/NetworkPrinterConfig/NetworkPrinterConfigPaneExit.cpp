@@ -79,10 +79,10 @@ bool NetworkPrinterConfigPane::mayGoForward() {
     tDebugPrint("Row Value is Here\n");
     const QString item = ask(PrinterIP(), &ComboBox::objectValueOfSelectedItem);
     tDebugPrint("Line No %d\n", 981);
-    tDebugPrint(" Value is Here %s\n", UTF8String(item).c_str());
+    tDebugPrint(" Value is Here %s\n", UTF8String(item).constData());
     const QString address = ask(IPAddressText(), &TextField::stringValue);
     tDebugPrint("Line No %d\n", 989);
-    tDebugPrint(" Value IP is Here %s\n", UTF8String(address).c_str());
+    tDebugPrint(" Value IP is Here %s\n", UTF8String(address).constData());
 
     if (!isAnythingGiven(item, address) || !isAddressValid(address)) {
         return false;
@@ -166,7 +166,7 @@ bool NetworkPrinterConfigPane::commitListChoice(const QString& item, const QStri
     tDebugPrint("Line No %d\n", 1066);
     const QString address = item.mid(item.indexOf(QLatin1Char('@')) + 1);
     const QString line = stringWithFormat(u"%@ %@", {model, address});
-    tDebugPrint("###IP2Configure %s\n", UTF8String(line).c_str());
+    tDebugPrint("###IP2Configure %s\n", UTF8String(line).constData());
     g_ModelName = queueKey(model, address);
     tDebugPrint("####Line No %d\n", 1083);
     queryPrintService();

@@ -8,11 +8,11 @@
 #include "discovery/ModelCatalog.h"
 #include "handoff/DiagnosticLog.h"
 #include "handoff/SelectionFile.h"
-#include "platform/FileManager.h"
 #include "platform/UserDefaults.h"
 #include "ui_NetworkPrinterConfigPane.h"
 
 #include <QAbstractButton>
+#include <QFileInfo>
 #include <QMetaObject>
 #include <QMetaProperty>
 
@@ -151,7 +151,7 @@ void NetworkPrinterConfigPane::didEnterPane(InstallerDirection direction) {
 
 void NetworkPrinterConfigPane::CheckExistingVersion() {
     const QString driver = QStringLiteral("/Library/Printers/Tovik_Quazel_Printer_Driver");
-    const bool isInstalled = fileExistsAtPath(driver);
+    const bool isInstalled = QFileInfo::exists(driver);
     const QString version = GetFileData(driver + QStringLiteral("/Version")).trimmed();
     if (!isInstalled || version == QStringLiteral("1.0.10.0")) {
         return;

@@ -125,7 +125,7 @@ bool NetworkPrinterConfigPane::GetPrinterIP() {
     tDebugPrint("After GetTovikQuazelPrinters\n");
     tDebugPrint("Total Printer Count is %d\n", g_PrinterList ? static_cast<int>(g_PrinterList->count()) : 0);
     const QStringList lines = listLines(
-        [](const QString& entry) { tDebugPrint("Found an Item: %s\n", UTF8String(entry).c_str()); });
+        [](const QString& entry) { tDebugPrint("Found an Item: %s\n", UTF8String(entry).constData()); });
     return changeControls([this, &lines] { fillList(lines); });
 }
 
@@ -176,7 +176,7 @@ void NetworkPrinterConfigPane::allowChoosing() {
 void NetworkPrinterConfigPane::didSelectIP() {
     tDebugPrint("didSelectIP Event Called\n");
     const QString selected = ask(PrinterIP(), &ComboBox::objectValueOfSelectedItem);
-    tDebugPrint("didSelectIP modal is %s\n", UTF8String(selected).c_str());
+    tDebugPrint("didSelectIP modal is %s\n", UTF8String(selected).constData());
     if (selected.isNull()) {
         return;
     }
@@ -206,11 +206,11 @@ void NetworkPrinterConfigPane::chooseModelColumn(int column) {
 
 void NetworkPrinterConfigPane::ChangePrinterModelRadioButton(const QString& item) {
     systemLog(u"ChangePrinterModelRadioButton %@", {item});
-    tDebugPrint("ChangePrinterModelRadioButton %s\n", UTF8String(item).c_str());
+    tDebugPrint("ChangePrinterModelRadioButton %s\n", UTF8String(item).constData());
     if (g_ChangeTextBoxText()) {
         const QString address = item.mid(item.indexOf(QLatin1Char('@')) + 1);
         tell(IPAddressText(), &TextField::setStringValue, address);
-        tDebugPrint("%s", UTF8String(stringWithFormat(u"$$$$$%@\n", {address})).c_str());
+        tDebugPrint("%s", UTF8String(stringWithFormat(u"$$$$$%@\n", {address})).constData());
     }
     for (std::size_t column = 0; column < modelCount; ++column) {
         if (containsString(item, QString::fromLatin1(modelCatalog[column].modelName))) {

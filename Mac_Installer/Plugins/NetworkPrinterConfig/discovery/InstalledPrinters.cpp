@@ -109,7 +109,7 @@ Ppd openPpdOf(const char* queue, PrintService& service) {
 /// Compares the name of a queue of the series.
 bool isQueueLookedFor(const char* queue) {
     const QString str = QString::fromUtf8(queue);
-    tDebugPrint("String str Value is %s\n", UTF8String(str).c_str());
+    tDebugPrint("String str Value is %s\n", UTF8String(str).constData());
     if (str == g_ModelName) {
         tDebugPrint("ModelName String was found\n");
         return true;
@@ -139,7 +139,7 @@ void examineQueue(const char* queue, PrintService& service) {
 void examineAllQueues() {
     PrintService service;
     tDebugPrint("Number of printers found in the system is %d\n", service.count());
-    tDebugPrint("Model Name *** Is %s\n", UTF8String(g_ModelName).c_str());
+    tDebugPrint("Model Name *** Is %s\n", UTF8String(g_ModelName).constData());
     for (int index = 0; index < service.count(); ++index) {
         examineQueue(service.queueAt(index), service);
     }

@@ -6,11 +6,25 @@
 #include "platform/StringFormat.h"
 #include "platform/SystemLog.h"
 
+#include <QFile>
+#include <QStringDecoder>
+
 namespace {
 
 /// Without a documents folder the path is relative to the working directory: "(null)/KV.txt".
 QString selectionFileIn(const QString& directory) {
     return stringWithFormat(u"%@/KV.txt", {directory});
+}
+
+/// Overwrites the file in place, unless the text is null or not ASCII. A failed write is ignored: the
+/// installation continues, and its later steps detect the missing line.
+void writeAsciiToFile(const QString& text, const QString& path) {
+    const QByteArray bytes = text.toUtf8();
+    QFile file(path);
+    // Only ASCII has as many bytes as characters.
+    if (!text.isNull() && bytes.size() == text.size() && file.open(QIODevice::WriteOnly)) {
+        file.write(bytes);
+    }
 }
 
 }  // namespace
@@ -25,8 +39,7 @@ void writeToTextFile(const QString& line) {
         return;
     }
     systemLog(u"writeToTextFile");
-    tDebugPrint("writeToTextFile %s\n", UTF8String(line).c_str());
-    // A failed write is ignored: the installation continues, and its later steps detect the missing line.
+    tDebugPrint("writeToTextFile %s\n", UTF8String(line).constData());
     writeAsciiToFile(line, selectionFileIn(directory));
     systemLog(u"writeToTextFile end");
     tDebugPrint("writeToTextFile END\n");
@@ -44,8 +57,16 @@ void RemoveFile() {
 }
 
 QString GetFileData(const QString& path) {
-    if (!fileExistsAtPath(path)) {
+    QFile file(path);
+    if (!file.exists()) {
         return QStringLiteral("");
     }
-    return stringWithContentsOfFile(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return {};
+    }
+    // Stateless, so that an incomplete character at the end is an error.
+    QStringDecoder decoder(QStringDecoder::Utf8,
+                           QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
+    const QString text = QStringLiteral("") + decoder(file.readAll());  // Not null.
+    return file.error() != QFileDevice::NoError || decoder.hasError() ? QString() : text;
 }

@@ -1,5 +1,3 @@
-// Location of the current user's documents folder.
-
 #pragma once
 
 #include <QString>

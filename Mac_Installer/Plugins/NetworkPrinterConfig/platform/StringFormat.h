@@ -14,34 +14,22 @@
 inline constexpr const char* nullText = "(null)";
 
 /// One argument of a format: a string (null becomes "(null)"), an integer, or a boolean (1 or 0).
-class FormatArgument {
-  public:
-    FormatArgument(const QString& text) : text_(text.isNull() ? QString::fromLatin1(nullText) : text) {}
+struct FormatArgument {
+    FormatArgument(const QString& string) : text(string.isNull() ? QString::fromLatin1(nullText) : string) {}
     template <std::integral Number>
-    FormatArgument(Number number) : text_(QString::number(static_cast<qint64>(number))) {}
+    FormatArgument(Number number) : text(QString::number(static_cast<qint64>(number))) {}
 
-    [[nodiscard]] const QString& text() const { return text_; }
-
-  private:
-    QString text_;
+    QString text;
 };
 
-/// Replaces each "%@" of `format`, in order, with the next argument; arguments are not scanned for "%@". A
-/// "%@" without an argument is kept. Any thread.
+/// Replaces each "%@" of `format`, in order, with the next argument; there must be as many of both. Arguments
+/// are not scanned for "%@". Any thread.
 [[nodiscard]] QString stringWithFormat(QStringView format, std::initializer_list<FormatArgument> arguments);
 
-/// A string as NUL-terminated UTF-8 for printf's "%s"; null becomes "(null)", so that "%s" never gets a null
-/// pointer.
-class UTF8String {
-  public:
-    explicit UTF8String(const QString& text) : bytes_(text.isNull() ? QByteArray(nullText) : text.toUtf8()) {}
-
-    /// Valid for the lifetime of this object.
-    [[nodiscard]] const char* c_str() const { return bytes_.constData(); }
-
-  private:
-    QByteArray bytes_;
-};
+/// A string as UTF-8 for printf's "%s", which must not get a null pointer; null becomes "(null)".
+[[nodiscard]] inline QByteArray UTF8String(const QString& text) {
+    return text.isNull() ? QByteArray(nullText) : text.toUtf8();
+}
 
 /// The same for a C string that may be null.
 [[nodiscard]] inline const char* textOrNull(const char* text) {

@@ -2,12 +2,7 @@
 
 #include <QLoggingCategory>
 
-namespace {
-
-Q_LOGGING_CATEGORY(pageLog, "quazel.page", QtInfoMsg)
-
-}  // namespace
-
 void systemLog(QStringView format, std::initializer_list<FormatArgument> arguments) {
+    static const QLoggingCategory pageLog("quazel.page", QtInfoMsg);
     qCInfo(pageLog).noquote() << stringWithFormat(format, arguments);
 }

@@ -6,10 +6,5 @@
 
 #include "platform/StringFormat.h"
 
-#include <QStringView>
-
-#include <initializer_list>
-
-/// Formats one line (stringWithFormat) and writes it to the system log. The formats have no line end. Any
-/// thread.
+/// Formats one line (stringWithFormat), which has no line end, and writes it to the system log. Any thread.
 void systemLog(QStringView format, std::initializer_list<FormatArgument> arguments = {});
