@@ -26,10 +26,7 @@ constexpr const char* seriesAttribute = "PCFileName";
 constexpr int answerLimit = 10'000;  // ms; a service that takes longer is considered silent
 constexpr int slowAnswer = 1'000;    // ms; after a slower PPD request, the service is checked again
 
-struct PpdCloser {
-    void operator()(ppd_file_t* ppd) const { ppdClose(ppd); }
-};
-using Ppd = std::unique_ptr<ppd_file_t, PpdCloser>;
+using Ppd = std::unique_ptr<ppd_file_t, decltype(&ppdClose)>;
 
 /// Whether the default server fails to accept a connection and respond on it within answerLimit. libcups has
 /// no such timeout on its default connection and would wait for minutes, so this uses a separate connection.
@@ -60,33 +57,27 @@ bool isServiceSilent() {
 
 /// The destinations of the default server, freed together, and the links to their PPDs. A silent service
 /// yields no destinations; once it falls silent it yields no more links.
-class PrintService {
-  public:
-    PrintService()
-        : isSilent_(isServiceSilent()), count_(isSilent_ ? 0 : cupsGetDests2(CUPS_HTTP_DEFAULT, &list_)) {}
+struct PrintService {
+    PrintService() = default;
     PrintService(const PrintService&) = delete;
     PrintService& operator=(const PrintService&) = delete;
-    ~PrintService() { cupsFreeDests(count_, list_); }
-
-    [[nodiscard]] int count() const { return count_; }
-    [[nodiscard]] const char* queueAt(int index) const { return list_[index].name; }
+    ~PrintService() { cupsFreeDests(count, list); }
 
     /// Null for a queue without a PPD.
     [[nodiscard]] const char* linkToPpdOf(const char* queue) {
-        if (isSilent_) {
+        if (isSilent) {
             return nullptr;
         }
         QElapsedTimer timer;
         timer.start();
         const char* const link = cupsGetPPD2(CUPS_HTTP_DEFAULT, queue);
-        isSilent_ = timer.elapsed() >= slowAnswer && isServiceSilent();
+        isSilent = timer.elapsed() >= slowAnswer && isServiceSilent();
         return link;
     }
 
-  private:
-    cups_dest_t* list_ = nullptr;
-    bool isSilent_;
-    int count_;
+    bool isSilent = isServiceSilent();
+    cups_dest_t* list = nullptr;
+    int count = isSilent ? 0 : cupsGetDests2(CUPS_HTTP_DEFAULT, &list);
 };
 
 /// Opens the PPD of a queue. CUPS provides a symbolic link to it for local queues; anything else, including a
@@ -99,7 +90,7 @@ Ppd openPpdOf(const char* queue, PrintService& service) {
         path.fill('\0');
     }
     tDebugPrint("PPD name is %s\n", path.data());
-    Ppd ppd(ppdOpenFile(path.data()));
+    Ppd ppd(ppdOpenFile(path.data()), &ppdClose);
     if (!ppd) {
         tDebugPrint("PPD open failed %d\n", errno);
     }
@@ -135,21 +126,17 @@ void examineQueue(const char* queue, PrintService& service) {
     }
 }
 
-/// Doesn't stop at a match: the remaining queues are still examined and logged.
-void examineAllQueues() {
-    PrintService service;
-    tDebugPrint("Number of printers found in the system is %d\n", service.count());
-    tDebugPrint("Model Name *** Is %s\n", UTF8String(g_ModelName).constData());
-    for (int index = 0; index < service.count(); ++index) {
-        examineQueue(service.queueAt(index), service);
-    }
-}
-
 }  // namespace
 
 void GetInstalledPrinterList() {
     tDebugPrint("GetInstalledPrinterList\n");
     g_PrinterAlreadyInstalled = 0;
-    examineAllQueues();
+    PrintService service;
+    tDebugPrint("Number of printers found in the system is %d\n", service.count);
+    tDebugPrint("Model Name *** Is %s\n", UTF8String(g_ModelName).constData());
+    // Doesn't stop at a match: the remaining queues are still examined and logged.
+    for (int index = 0; index < service.count; ++index) {
+        examineQueue(service.list[index].name, service);
+    }
     tDebugPrint("Return from CUPS Printer List\n");
 }
