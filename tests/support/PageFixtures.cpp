@@ -14,11 +14,11 @@
 #include <utility>
 
 BeepCounter::BeepCounter() {
-    setBeep([this] { ++count_; });
+    beep = [] { ++count_; };
 }
 
 BeepCounter::~BeepCounter() {
-    setBeep({});
+    beep = &QApplication::beep;
 }
 
 int BeepCounter::take() {

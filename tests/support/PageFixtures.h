@@ -23,7 +23,7 @@ class BeepCounter {
     [[nodiscard]] int take();
 
   private:
-    int count_ = 0;
+    static inline int count_ = 0;
 };
 
 /// Closes each alert by Return, by Escape, by a click and by the window's own button in turn.

@@ -19,13 +19,8 @@ bool IPAddressTextValidator::validate(const QString& text) const {
     if (text.isEmpty()) {
         return true;
     }
-    const icu::UnicodeString input(reinterpret_cast<const char16_t*>(text.utf16()),
-                                   static_cast<int32_t>(text.size()));
+    const icu::UnicodeString input(text.utf16(), static_cast<int32_t>(text.size()));
     UErrorCode status = U_ZERO_ERROR;
     icu::RegexMatcher matcher(icu::UnicodeString(addressPattern), input, 0, status);
-    int matches = 0;
-    while (U_SUCCESS(status) != 0 && matcher.find(status) != 0) {
-        ++matches;
-    }
-    return U_SUCCESS(status) != 0 && matches == 1;
+    return matcher.find(status) != 0;  // Anchored at both ends, it matches once at most.
 }

@@ -1,6 +1,5 @@
 // Construction and destruction, the installer's callbacks on entry, and file access.
 
-#include "NetworkPrinterConfig/Alert.h"
 #include "NetworkPrinterConfig/NetworkPrinterConfigPane.h"
 #include "NetworkPrinterConfig/OnlyIntegerValueFormatter.h"
 #include "NetworkPrinterConfig/Translations.h"
@@ -8,18 +7,24 @@
 #include "discovery/ModelCatalog.h"
 #include "handoff/DiagnosticLog.h"
 #include "handoff/SelectionFile.h"
-#include "platform/UserDefaults.h"
 #include "ui_NetworkPrinterConfigPane.h"
 
 #include <QAbstractButton>
 #include <QFileInfo>
+#include <QMessageBox>
 #include <QMetaObject>
 #include <QMetaProperty>
+#include <QSettings>
 
 namespace {
 
 void switchLayoutDebuggingOn() {
-    setUserDefault(QStringLiteral("NSConstraintBasedLayoutVisualizeMutuallyExclusiveConstraints"), true);
+    const QString key = QStringLiteral("NSConstraintBasedLayoutVisualizeMutuallyExclusiveConstraints");
+    QSettings settings;
+    // Write only changes: writing to disk took longer than any other part of creating the page.
+    if (!settings.value(key).toBool()) {
+        settings.setValue(key, true);
+    }
 }
 
 /// The model names, each with a mnemonic: the first digit of the number part that no earlier model uses.
@@ -61,6 +66,17 @@ void keepPlaceWhenHidden(QWidget* control) {
     QSizePolicy policy = control->sizePolicy();
     policy.setRetainSizeWhenHidden(true);
     control->setSizePolicy(policy);
+}
+
+/// Runs a modal alert with the button "Ok" over the window of `parent` until it is closed by any means.
+void runAlert(QWidget* parent, const QString& messageText, const QString& informativeText) {
+    QMessageBox alert(QMessageBox::Warning, messageText, messageText, QMessageBox::NoButton, parent);
+    alert.setTextFormat(Qt::PlainText);
+    alert.setInformativeText(informativeText);
+    // Some styles don't make the message bold.
+    alert.setStyleSheet(QStringLiteral("#qt_msgbox_label { font-weight: bold }"));
+    alert.setDefaultButton(alert.addButton(QStringLiteral("Ok"), QMessageBox::AcceptRole));
+    alert.exec();
 }
 
 }  // namespace

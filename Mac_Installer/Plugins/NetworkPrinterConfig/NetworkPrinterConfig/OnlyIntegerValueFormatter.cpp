@@ -12,8 +12,8 @@ constexpr qsizetype longestAddress = 15;
 bool holdsNonDecimalCharacter(const QString& text) {
     static const icu::UnicodeSet nonDecimalCharacters =
         icu::UnicodeSet().addAll(icu::UnicodeString(u"0123456789.")).complement();
-    return nonDecimalCharacters.containsSome(icu::UnicodeString(
-               reinterpret_cast<const char16_t*>(text.utf16()), static_cast<int32_t>(text.size()))) != 0;
+    const icu::UnicodeString characters(text.utf16(), static_cast<int32_t>(text.size()));
+    return nonDecimalCharacters.containsSome(characters) != 0;
 }
 
 }  // namespace
