@@ -21,10 +21,12 @@
 #include "NetworkPrinterConfig/controls/ProgressIndicator.h"
 #include "NetworkPrinterConfig/controls/RadioMatrix.h"
 #include "NetworkPrinterConfig/controls/TextField.h"
-#include "platform/AtomicReference.h"
+#include "handoff/SelectionFile.h"
+#include "platform/Atomic.h"
 #include "platform/MainThreadGate.h"
 
 #include <QGroupBox>
+#include <QPointer>
 #include <QPushButton>
 #include <QString>
 
@@ -35,16 +37,6 @@
 
 class NetworkPrinterConfigPane : public InstallerPane {
     Q_OBJECT
-    // Set to the controls of the same names once the form is set up.
-    Q_PROPERTY(ComboBox* PrinterIP READ PrinterIP WRITE setPrinterIP)
-    Q_PROPERTY(RadioMatrix* radiobtnPrinterType READ radiobtnPrinterType WRITE setRadiobtnPrinterType)
-    Q_PROPERTY(QGroupBox* PrinterIPInfoBox READ PrinterIPInfoBox WRITE setPrinterIPInfoBox)
-    Q_PROPERTY(ProgressIndicator* Progress READ Progress WRITE setProgress)
-    Q_PROPERTY(TextField* IPAddressText READ IPAddressText WRITE setIPAddressText)
-    Q_PROPERTY(QGroupBox* PrinterModelBox READ PrinterModelBox WRITE setPrinterModelBox)
-    Q_PROPERTY(QGroupBox* PrinterIPBox READ PrinterIPBox WRITE setPrinterIPBox)
-    Q_PROPERTY(RadioMatrix* radiobtnPrinterModel READ radiobtnPrinterModel WRITE setRadiobtnPrinterModel)
-    Q_PROPERTY(QPushButton* RefreshButton READ RefreshButton WRITE setRefreshButton)
 
   public:
     /// Creates the content widget and connects its controls; the caller then calls awakeFromNib().
@@ -93,16 +85,16 @@ class NetworkPrinterConfigPane : public InstallerPane {
     bool GetPrinterIP();
 
     // Hand-off file functions (see SelectionFile).
-    void RemoveFile();
-    void writeToTextFile(const QString& line);
-    [[nodiscard]] QString GetFileData(const QString& path);
+    void RemoveFile() { ::RemoveFile(); }
+    void writeToTextFile(const QString& line) { ::writeToTextFile(line); }
+    [[nodiscard]] QString GetFileData(const QString& path) { return ::GetFileData(path); }
 
     /// Warns about an installed driver of another version. Deliberately never called: the warning is not
     /// shown.
     void CheckExistingVersion();
 
     // The properties. Access is atomic, except for the three plain values, which are for the main thread
-    // only.
+    // only. The page owns its controls through its content widget; a destroyed one reads as null.
     [[nodiscard]] ComboBox* PrinterIP() const { return PrinterIP_.load(); }
     [[nodiscard]] RadioMatrix* radiobtnPrinterType() const { return radiobtnPrinterType_.load(); }
     [[nodiscard]] QGroupBox* PrinterIPInfoBox() const { return PrinterIPInfoBox_.load(); }
@@ -112,7 +104,10 @@ class NetworkPrinterConfigPane : public InstallerPane {
     [[nodiscard]] QGroupBox* PrinterIPBox() const { return PrinterIPBox_.load(); }
     [[nodiscard]] RadioMatrix* radiobtnPrinterModel() const { return radiobtnPrinterModel_.load(); }
     /// The selected printer's model during shouldExitPane, which clears it at the end.
-    [[nodiscard]] QString g_selectedPrinterModel() const { return g_selectedPrinterModel_.load(); }
+    [[nodiscard]] QString g_selectedPrinterModel() const {
+        const std::shared_ptr<const QString> model = g_selectedPrinterModel_.load().lock();
+        return model ? *model : QString();
+    }
     [[nodiscard]] QPushButton* RefreshButton() const { return RefreshButton_.load(); }
     /// Whether a list item was chosen, so that its address is copied to the text field.
     [[nodiscard]] bool g_ChangeTextBoxText() const { return g_ChangeTextBoxText_; }
@@ -143,7 +138,6 @@ class NetworkPrinterConfigPane : public InstallerPane {
 
     // Lifecycle
     void makeContent();
-    void connectOutlets();
     void showAlert(const QString& informativeText);
     static void giveFocusTo(QWidget* control);
 
@@ -165,16 +159,16 @@ class NetworkPrinterConfigPane : public InstallerPane {
     [[nodiscard]] bool commitTypedAddress(const QString& address, const QString& model, qint64 column);
     void refuseInstalledPrinter();
 
-    OwningReference<ComboBox> PrinterIP_;
-    WeakReference<RadioMatrix> radiobtnPrinterType_;
-    WeakReference<QGroupBox> PrinterIPInfoBox_;
-    WeakReference<ProgressIndicator> Progress_;
-    WeakReference<TextField> IPAddressText_;
-    WeakReference<QGroupBox> PrinterModelBox_;
-    WeakReference<QGroupBox> PrinterIPBox_;
-    WeakReference<RadioMatrix> radiobtnPrinterModel_;
-    WeakReference<const QString> g_selectedPrinterModel_;
-    WeakReference<QPushButton> RefreshButton_;
+    Atomic<QPointer<ComboBox>> PrinterIP_;
+    Atomic<QPointer<RadioMatrix>> radiobtnPrinterType_;
+    Atomic<QPointer<QGroupBox>> PrinterIPInfoBox_;
+    Atomic<QPointer<ProgressIndicator>> Progress_;
+    Atomic<QPointer<TextField>> IPAddressText_;
+    Atomic<QPointer<QGroupBox>> PrinterModelBox_;
+    Atomic<QPointer<QGroupBox>> PrinterIPBox_;
+    Atomic<QPointer<RadioMatrix>> radiobtnPrinterModel_;
+    Atomic<std::weak_ptr<const QString>> g_selectedPrinterModel_;
+    Atomic<QPointer<QPushButton>> RefreshButton_;
     bool g_ChangeTextBoxText_ = false;
     bool g_deSelectCell_ = false;
     qint64 g_SelectedCell_ = 0;
@@ -182,7 +176,7 @@ class NetworkPrinterConfigPane : public InstallerPane {
     std::shared_ptr<const QString> modelOfDecision_;  // keeps g_selectedPrinterModel alive
     MainThreadGate gate_;
     std::stop_source leaving_;
-    std::thread discoveryThread_;
+    std::jthread discoveryThread_;
     bool discovering_ = false;
     bool focusFollowsSearch_ = false;
 };

@@ -6,14 +6,11 @@
 #include "NetworkPrinterConfig/controls/Messages.h"
 #include "discovery/ModelCatalog.h"
 #include "handoff/DiagnosticLog.h"
-#include "handoff/SelectionFile.h"
 #include "ui_NetworkPrinterConfigPane.h"
 
 #include <QAbstractButton>
 #include <QFileInfo>
 #include <QMessageBox>
-#include <QMetaObject>
-#include <QMetaProperty>
 #include <QSettings>
 
 namespace {
@@ -33,39 +30,14 @@ QStringList modelLabels() {
     QString taken;
     for (const CatalogRow& row : modelCatalog) {
         QString label = QString::fromLatin1(row.modelName);
-        const QString number = QString::fromLatin1(row.numberPart);
-        for (const QChar digit : number) {
-            if (!taken.contains(digit)) {
-                taken += digit;
-                label.insert(label.size() - number.size() + number.indexOf(digit), QLatin1Char('&'));
-                break;
-            }
+        qsizetype at = label.indexOf(QLatin1String(row.numberPart));
+        while (at < label.size() - 1 && taken.contains(label.at(at))) {
+            ++at;
         }
-        labels += label;
+        taken += label.at(at);
+        labels += label.insert(at, QLatin1Char('&'));
     }
     return labels;
-}
-
-/// Top to bottom. The matrices create their buttons late, which would put them last in the tab order.
-void setTabOrder(const Ui::NetworkPrinterConfigPane& form) {
-    QList<QWidget*> order;
-    for (QAbstractButton* const cell : form.radiobtnPrinterType->buttons()) {
-        order += cell;
-    }
-    order += {form.PrinterIP, form.RefreshButton, form.IPAddressText};
-    for (QAbstractButton* const cell : form.radiobtnPrinterModel->buttons()) {
-        order += cell;
-    }
-    for (qsizetype index = 1; index < order.size(); ++index) {
-        QWidget::setTabOrder(order[index - 1], order[index]);
-    }
-}
-
-/// A hidden control keeps its space, so that the layout doesn't move when it appears.
-void keepPlaceWhenHidden(QWidget* control) {
-    QSizePolicy policy = control->sizePolicy();
-    policy.setRetainSizeWhenHidden(true);
-    control->setSizePolicy(policy);
 }
 
 /// Runs a modal alert with the button "Ok" over the window of `parent` until it is closed by any means.
@@ -83,7 +55,6 @@ void runAlert(QWidget* parent, const QString& messageText, const QString& inform
 
 NetworkPrinterConfigPane::NetworkPrinterConfigPane(QObject* parent) : InstallerPane(parent) {
     makeContent();
-    connectOutlets();
     connect(radiobtnPrinterType(), &RadioMatrix::action, this, &NetworkPrinterConfigPane::PrinterTypeClicked);
     connect(radiobtnPrinterModel(), &RadioMatrix::action, this,
             &NetworkPrinterConfigPane::PrinterModelClicked);
@@ -94,9 +65,7 @@ NetworkPrinterConfigPane::~NetworkPrinterConfigPane() {
     // The order matters: block access to the controls, stop discovery at its next wait, then join.
     gate_.close();
     leaving_.request_stop();
-    if (discoveryThread_.joinable()) {
-        discoveryThread_.join();
-    }
+    discoveryThread_ = std::jthread();
     delete contentWidget();  // Its controls may still emit signals to this class, such as editingFinished.
 }
 
@@ -107,24 +76,29 @@ void NetworkPrinterConfigPane::makeContent() {
     form.setupUi(content);
     form.radiobtnPrinterModel->setColumns(static_cast<int>(modelCount));
     form.radiobtnPrinterModel->setCells(modelLabels());
-    keepPlaceWhenHidden(form.PrinterIPInfoBox);
-    keepPlaceWhenHidden(form.Progress);
-    keepPlaceWhenHidden(form.searchingLabel);
     form.Progress->setCaption(form.searchingLabel);
-    setTabOrder(form);
-    setContentWidget(content);
-}
-
-/// Sets each control property to the control of the same name.
-void NetworkPrinterConfigPane::connectOutlets() {
-    const QMetaObject& description = staticMetaObject;
-    for (int index = description.propertyOffset(); index < description.propertyCount(); ++index) {
-        const QMetaProperty property = description.property(index);
-        auto* const control = contentWidget()->findChild<QWidget*>(QString::fromLatin1(property.name()));
-        if (control != nullptr) {
-            property.write(this, QVariant::fromValue(control));
-        }
+    // A hidden control keeps its space, so that the layout doesn't move when it appears.
+    for (QWidget* const control :
+         std::initializer_list<QWidget*>{form.PrinterIPInfoBox, form.Progress, form.searchingLabel}) {
+        QSizePolicy policy = control->sizePolicy();
+        policy.setRetainSizeWhenHidden(true);
+        control->setSizePolicy(policy);
     }
+    // The form's own order, but behind the types, whose buttons are created late.
+    QWidget::setTabOrder(form.radiobtnPrinterType->cellAt(1, 0), form.PrinterIP);
+    QWidget::setTabOrder(form.PrinterIP, form.RefreshButton);
+    QWidget::setTabOrder(form.RefreshButton, form.IPAddressText);
+    setContentWidget(content);
+
+    setPrinterIP(form.PrinterIP);
+    setRadiobtnPrinterType(form.radiobtnPrinterType);
+    setPrinterIPInfoBox(form.PrinterIPInfoBox);
+    setProgress(form.Progress);
+    setIPAddressText(form.IPAddressText);
+    setPrinterModelBox(form.PrinterModelBox);
+    setPrinterIPBox(form.PrinterIPBox);
+    setRadiobtnPrinterModel(form.radiobtnPrinterModel);
+    setRefreshButton(form.RefreshButton);
 }
 
 QString NetworkPrinterConfigPane::title() const {
@@ -187,16 +161,4 @@ void NetworkPrinterConfigPane::giveFocusTo(QWidget* control) {
     if (control != nullptr) {
         control->setFocus(Qt::OtherFocusReason);
     }
-}
-
-void NetworkPrinterConfigPane::RemoveFile() {
-    ::RemoveFile();
-}
-
-void NetworkPrinterConfigPane::writeToTextFile(const QString& line) {
-    ::writeToTextFile(line);
-}
-
-QString NetworkPrinterConfigPane::GetFileData(const QString& path) {
-    return ::GetFileData(path);
 }

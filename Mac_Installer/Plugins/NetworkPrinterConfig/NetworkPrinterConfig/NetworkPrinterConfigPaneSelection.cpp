@@ -78,11 +78,9 @@ void NetworkPrinterConfigPane::startDiscovery() {
         return;
     }
     discovering_ = true;
-    if (discoveryThread_.joinable()) {
-        discoveryThread_.join();  // The previous search has finished.
-    }
+    discoveryThread_ = std::jthread();  // Joins the previous search, which has finished.
     try {
-        discoveryThread_ = std::thread(&NetworkPrinterConfigPane::GetPrinterIPThread, this);
+        discoveryThread_ = std::jthread(&NetworkPrinterConfigPane::GetPrinterIPThread, this);
     } catch (const std::system_error& error) {
         systemLog(u"The search for printers can't be started: %@", {QString::fromLocal8Bit(error.what())});
         finishWithoutSearch();

@@ -15,24 +15,12 @@ void ComboBox::removeAllItems() {
     clear();
 }
 
-void ComboBox::addItemWithObjectValue(const QString& value) {
-    addItemsWithObjectValues({value});
-}
-
 void ComboBox::addItemsWithObjectValues(const QStringList& values) {
     // QComboBox selects the first item added to an empty list.
     const QSignalBlocker blocker(this);
     const int selected = currentIndex();
     addItems(values);
     setCurrentIndex(selected);
-}
-
-void ComboBox::selectItemAtIndex(int index) {
-    setCurrentIndex(index);
-}
-
-QString ComboBox::objectValueOfSelectedItem() const {
-    return currentIndex() < 0 ? QString() : currentText();
 }
 
 void ComboBox::showPopup() {

@@ -4,8 +4,6 @@
 #pragma once
 
 #include <QComboBox>
-#include <QString>
-#include <QStringList>
 
 class ComboBox : public QComboBox {
     Q_OBJECT
@@ -17,14 +15,14 @@ class ComboBox : public QComboBox {
     void removeAllItems();
 
     /// Append to the list; the selection, or its absence, is kept. Emit nothing.
-    void addItemWithObjectValue(const QString& value);
+    void addItemWithObjectValue(const QString& value) { addItemsWithObjectValues({value}); }
     void addItemsWithObjectValues(const QStringList& values);
 
     /// Selects an item, counted from 0; emits selectionDidChange before it returns, unless already selected.
-    void selectItemAtIndex(int index);
+    void selectItemAtIndex(int index) { setCurrentIndex(index); }
 
     /// The selected item's text, or null if none is selected.
-    [[nodiscard]] QString objectValueOfSelectedItem() const;
+    [[nodiscard]] QString objectValueOfSelectedItem() const { return currentText(); }
 
     /// Does nothing while the list is not operable, as assistive programs may call it at any time.
     void showPopup() override;

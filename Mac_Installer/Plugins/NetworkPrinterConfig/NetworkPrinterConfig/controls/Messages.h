@@ -1,5 +1,4 @@
-// Calls to controls that may be null: tell() then does nothing, ask() returns a default value (null, 0,
-// false).
+// Calls to controls that may be null: tell() then does nothing, ask() returns null, 0 or false.
 
 #pragma once
 
@@ -16,8 +15,5 @@ void tell(Control* control, Message message, Arguments&&... arguments) {
 
 template <class Control, class Question>
 [[nodiscard]] std::invoke_result_t<Question, Control*> ask(Control* control, Question question) {
-    if (control == nullptr) {
-        return {};
-    }
-    return std::invoke(question, control);
+    return control == nullptr ? std::invoke_result_t<Question, Control*>() : std::invoke(question, control);
 }

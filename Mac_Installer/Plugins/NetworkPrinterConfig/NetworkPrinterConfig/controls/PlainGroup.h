@@ -1,12 +1,9 @@
-// A group box without frame and title, for content that has both.
-
 #pragma once
 
 #include <QGroupBox>
 
+/// A group box without frame and title, for content that has both.
 class PlainGroup : public QGroupBox {
-    Q_OBJECT
-
   public:
     using QGroupBox::QGroupBox;
 

@@ -1,25 +1,30 @@
-// An indeterminate progress bar.
-
 #pragma once
 
 #include <QPointer>
 #include <QProgressBar>
 
+/// An indeterminate progress bar.
 class ProgressIndicator : public QProgressBar {
-    Q_OBJECT
-
   public:
-    explicit ProgressIndicator(QWidget* parent = nullptr);
+    explicit ProgressIndicator(QWidget* parent = nullptr) : QProgressBar(parent) {
+        setTextVisible(false);
+        stopAnimation();
+    }
 
     /// The animation uses main-thread timers, so it stops while the main thread is blocked.
-    void startAnimation();
-    void stopAnimation();
-    [[nodiscard]] bool isAnimating() const;
+    void startAnimation() { setRange(0, 0); }
+    void stopAnimation() { setRange(0, 1); }
+    [[nodiscard]] bool isAnimating() const { return maximum() == 0; }
 
     /// A label that is shown and hidden together with the bar.
-    void setCaption(QWidget* caption);
+    void setCaption(QWidget* caption) { caption_ = caption; }
 
-    void setVisible(bool visible) override;
+    void setVisible(bool visible) override {
+        QProgressBar::setVisible(visible);
+        if (caption_) {
+            caption_->setVisible(visible);
+        }
+    }
 
   private:
     QPointer<QWidget> caption_;

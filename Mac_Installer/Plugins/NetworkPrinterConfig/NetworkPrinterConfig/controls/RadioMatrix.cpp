@@ -4,7 +4,7 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QRadioButton>
-#include <QScopedValueRollback>
+#include <QSignalBlocker>
 #include <QStyle>
 #include <QStyleOptionButton>
 
@@ -37,7 +37,7 @@ RadioMatrix::RadioMatrix(QWidget* parent)
     // selected cell.
     connect(group_, &QButtonGroup::idToggled, this, [this](int /*index*/, bool isSelected) {
         keepTabStopOnSelection();
-        if (isSelected && !isSelecting_) {
+        if (isSelected) {
             emit action();
         }
     });
@@ -51,17 +51,14 @@ RadioMatrix::RadioMatrix(QWidget* parent)
 }
 
 void RadioMatrix::setCells(const QStringList& labels) {
-    labels_ = labels;
-    for (const QString& label : labels) {
-        auto* const cell = new Cell(label, this);
-        const int index = static_cast<int>(group_->buttons().size());
+    for (int index = 0; index < labels.size(); ++index) {
+        auto* const cell = new Cell(labels.at(index), this);
         grid_->addWidget(cell, gridRow(index), index % columns_);
         group_->addButton(cell, index);
     }
 }
 
 void RadioMatrix::setDescriptions(const QStringList& descriptions) {
-    descriptions_ = descriptions;
     const int indicator = style()->pixelMetric(QStyle::PM_ExclusiveIndicatorWidth, nullptr, this) +
                           style()->pixelMetric(QStyle::PM_RadioButtonLabelSpacing, nullptr, this);
     for (int index = 0; index < descriptions.size(); ++index) {
@@ -80,9 +77,8 @@ void RadioMatrix::setDescriptions(const QStringList& descriptions) {
 /// Makes the selected cell the only tab stop. Qt does this only when a cell gets the focus, which can't
 /// happen while the matrix is disabled.
 void RadioMatrix::keepTabStopOnSelection() {
-    const bool isAnySelected = group_->checkedId() >= 0;
     for (QAbstractButton* const cell : group_->buttons()) {
-        cell->setFocusPolicy(cell->isChecked() || !isAnySelected ? Qt::StrongFocus : Qt::ClickFocus);
+        cell->setFocusPolicy(cell->isChecked() ? Qt::StrongFocus : Qt::ClickFocus);
     }
 }
 
@@ -96,18 +92,12 @@ int RadioMatrix::selectedColumn() const {
     return index < 0 ? -1 : index % columns_;
 }
 
-QList<QAbstractButton*> RadioMatrix::buttons() const {
-    return group_->buttons();
-}
-
 QAbstractButton* RadioMatrix::cellAt(int row, int column) const {
-    const bool exists = row >= 0 && column >= 0 && column < columns_;
-    return exists ? group_->button(row * columns_ + column) : nullptr;
+    return group_->button(row * columns_ + column);
 }
 
 void RadioMatrix::setState(int state, int row, int column) {
-    const QScopedValueRollback guard(isSelecting_, true);
-    if (QAbstractButton* const cell = cellAt(row, column)) {
-        cell->setChecked(state != 0);
-    }
+    const QSignalBlocker blocker(group_);
+    cellAt(row, column)->setChecked(state != 0);
+    keepTabStopOnSelection();
 }

@@ -12,32 +12,27 @@ class QGridLayout;
 
 class RadioMatrix : public QWidget {
     Q_OBJECT
-    /// The cells' labels with mnemonics, row by row. For the form; set once, after the columns.
-    Q_PROPERTY(QStringList cells READ cells WRITE setCells)
-    /// A description below each cell, at most one per cell. For the form; set once, after the cells.
-    Q_PROPERTY(QStringList descriptions READ descriptions WRITE setDescriptions)
 
   public:
     explicit RadioMatrix(QWidget* parent = nullptr);
 
-    [[nodiscard]] QStringList cells() const { return labels_; }
-    [[nodiscard]] QStringList descriptions() const { return descriptions_; }
     void setColumns(int columns) { columns_ = columns; }
+
+    /// The cells' labels with mnemonics, row by row. Set once, after the columns.
     void setCells(const QStringList& labels);
+
+    /// A description below each cell, at most one per cell. Set once, after the cells.
     void setDescriptions(const QStringList& descriptions);
 
     /// Row and column of the selected cell, from 0; -1 if none is selected.
     [[nodiscard]] int selectedRow() const;
     [[nodiscard]] int selectedColumn() const;
 
-    /// Selects a cell and deselects the previous one. No effect if there is no such cell.
+    /// Selects a cell, which must exist, and deselects the previous one.
     void selectCellAtRow(int row, int column) { setState(1, row, column); }
 
     /// Checks (1) or unchecks (0) a cell; the selected cell stays checked until another is selected.
     void setState(int state, int row, int column);
-
-    /// The buttons, row by row.
-    [[nodiscard]] QList<QAbstractButton*> buttons() const;
 
     /// The button of a cell, or null if there is none.
     [[nodiscard]] QAbstractButton* cellAt(int row, int column) const;
@@ -50,11 +45,8 @@ class RadioMatrix : public QWidget {
     [[nodiscard]] int gridRow(int index) const { return 3 * (index / columns_); }
     void keepTabStopOnSelection();
 
-    QStringList labels_;
-    QStringList descriptions_;
     int columns_ = 1;
     QGridLayout* grid_;
     QButtonGroup* group_;       // the cells, numbered row by row
-    bool isSelecting_ = false;  // programmatic selection in progress
     bool wasSelected_ = false;  // whether the cell was selected before the current press
 };

@@ -47,15 +47,6 @@ void TextField::setStringValue(const QString& text) {
     accepted_ = text;
 }
 
-QString TextField::stringValue() const {
-    const QString value = text();
-    return value.isNull() ? QStringLiteral("") : value;
-}
-
-void TextField::setEditable(bool editable) {
-    setReadOnly(!editable);
-}
-
 void TextField::setFormatter(QValidator* formatter) {
     formatter->setParent(guard_);
     guard_->formatter = formatter;
@@ -66,7 +57,7 @@ void TextField::followChange() {
         return;
     }
     if (guard_->verdict == QValidator::Invalid) {
-        restore();
+        setStringValue(accepted_);
     } else {
         accept();
     }
@@ -80,10 +71,6 @@ void TextField::accept() {
     if (!hasFocus()) {
         endEditing();
     }
-}
-
-void TextField::restore() {
-    setStringValue(accepted_);
 }
 
 void TextField::endEditing() {
@@ -106,7 +93,7 @@ void TextField::inputMethodEvent(QInputMethodEvent* event) {
     if (isEdit && guard_->verdict == QValidator::Acceptable) {
         accept();
     } else if (event->preeditString().isEmpty()) {
-        restore();
+        setStringValue(accepted_);
     }
 }
 

@@ -7,10 +7,7 @@
 #pragma once
 
 #include <QLineEdit>
-#include <QString>
 #include <QValidator>
-
-class QEvent;
 
 class TextField : public QLineEdit {
     Q_OBJECT
@@ -22,9 +19,9 @@ class TextField : public QLineEdit {
     void setStringValue(const QString& text);
 
     /// The text; never null.
-    [[nodiscard]] QString stringValue() const;
+    [[nodiscard]] QString stringValue() const { return QStringLiteral("") + text(); }
 
-    void setEditable(bool editable);
+    void setEditable(bool editable) { setReadOnly(!editable); }
     [[nodiscard]] bool isEditable() const { return !isReadOnly(); }
 
     /// Takes ownership of the formatter, which returns Acceptable or Invalid and beeps by itself.
@@ -46,7 +43,6 @@ class TextField : public QLineEdit {
     void keepPlaceholderReadable();
     void followChange();
     void accept();
-    void restore();
     void endEditing();
 
     Guard* guard_;
