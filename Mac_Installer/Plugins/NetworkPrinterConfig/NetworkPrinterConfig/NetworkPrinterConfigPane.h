@@ -157,7 +157,12 @@ class NetworkPrinterConfigPane : public InstallerPane {
     [[nodiscard]] bool isAddressValid(const QString& address);
     [[nodiscard]] bool commitListChoice(const QString& item, const QString& model);
     [[nodiscard]] bool commitTypedAddress(const QString& address, const QString& model, qint64 column);
-    void refuseInstalledPrinter();
+    /// The records around the two steps of a commit, which show where the choice came from.
+    struct CommitRecords {
+        const char *asking, *asked, *writing, *written;
+    };
+    [[nodiscard]] bool commit(const QString& model, const QString& address, const QString& line,
+                              const CommitRecords& records);
 
     Atomic<QPointer<ComboBox>> PrinterIP_;
     Atomic<QPointer<RadioMatrix>> radiobtnPrinterType_;

@@ -40,18 +40,6 @@ QString modelOf(qint64 column, const QString& item) {
     return model;
 }
 
-/// May block for several seconds.
-void queryPrintService() {
-    QGuiApplication::setOverrideCursor(Qt::BusyCursor);
-    GetInstalledPrinterList();
-    QGuiApplication::restoreOverrideCursor();
-}
-
-/// Name of the print queue that the later installation steps create for a network printer.
-QString queueKey(const QString& model, const QString& address) {
-    return stringWithFormat(u"Tovik-%@-Ethernet-Printer-IP=%@", {model, address});
-}
-
 }  // namespace
 
 bool NetworkPrinterConfigPane::shouldExitPane(InstallerDirection direction) {
@@ -167,18 +155,8 @@ bool NetworkPrinterConfigPane::commitListChoice(const QString& item, const QStri
     const QString address = item.mid(item.indexOf(QLatin1Char('@')) + 1);
     const QString line = stringWithFormat(u"%@ %@", {model, address});
     tDebugPrint("###IP2Configure %s\n", UTF8String(line).constData());
-    g_ModelName = queueKey(model, address);
-    tDebugPrint("####Line No %d\n", 1083);
-    queryPrintService();
-    tDebugPrint("###Line No %d\n", 1086);
-    if (g_PrinterAlreadyInstalled != 0) {
-        refuseInstalledPrinter();
-        return false;
-    }
-    tDebugPrint("@@@@Line No %d\n", 1097);
-    writeToTextFile(line);
-    tDebugPrint("@@@@Line No %d\n", 1100);
-    return true;
+    return commit(model, address, line,
+                  {"####Line No 1083\n", "###Line No 1086\n", "@@@@Line No 1097\n", "@@@@Line No 1100\n"});
 }
 
 /// A typed address. Without a model column the line is null, and writing it leaves the file unchanged.
@@ -189,22 +167,28 @@ bool NetworkPrinterConfigPane::commitTypedAddress(const QString& address, const 
     }
     const CatalogRow* const row = rowOfColumn(column);
     const QString line = row == nullptr ? QString() : QString::fromLatin1(row->modelNameAndBlank) + address;
-    g_ModelName = queueKey(model, address);
-    tDebugPrint("!!!Line No %d\n", 1121);
-    queryPrintService();
-    tDebugPrint("!!!!Line No %d\n", 1124);
-    if (g_PrinterAlreadyInstalled != 0) {
-        refuseInstalledPrinter();
-        return false;
-    }
-    tDebugPrint("---Line No %d\n", 1135);
-    writeToTextFile(line);
-    tDebugPrint("--Line No %d\n", 1138);
-    return true;
+    return commit(model, address, line,
+                  {"!!!Line No 1121\n", "!!!!Line No 1124\n", "---Line No 1135\n", "--Line No 1138\n"});
 }
 
-void NetworkPrinterConfigPane::refuseInstalledPrinter() {
-    showAlert(QStringLiteral(
-        "A Printer with this IP Address is already Installed, Please choose another Ethernet Printer"));
-    giveFocusTo(PrinterIP());
+/// Writes `line`, unless a print queue exists already under the name that the later installation steps would
+/// give it.
+bool NetworkPrinterConfigPane::commit(const QString& model, const QString& address, const QString& line,
+                                      const CommitRecords& records) {
+    g_ModelName = stringWithFormat(u"Tovik-%@-Ethernet-Printer-IP=%@", {model, address});
+    tDebugPrint("%s", records.asking);
+    QGuiApplication::setOverrideCursor(Qt::BusyCursor);  // It may take several seconds.
+    GetInstalledPrinterList();
+    QGuiApplication::restoreOverrideCursor();
+    tDebugPrint("%s", records.asked);
+    if (g_PrinterAlreadyInstalled != 0) {
+        showAlert(QStringLiteral(
+            "A Printer with this IP Address is already Installed, Please choose another Ethernet Printer"));
+        giveFocusTo(PrinterIP());
+        return false;
+    }
+    tDebugPrint("%s", records.writing);
+    writeToTextFile(line);
+    tDebugPrint("%s", records.written);
+    return true;
 }
