@@ -16,6 +16,7 @@
 #include <cerrno>
 #include <iterator>
 #include <memory>
+#include <span>
 
 QString g_ModelName = QStringLiteral("");  // NOLINT(cert-err58-cpp): a literal allocates nothing
 std::int32_t g_PrinterAlreadyInstalled = 0;
@@ -135,8 +136,8 @@ void GetInstalledPrinterList() {
     tDebugPrint("Number of printers found in the system is %d\n", service.count);
     tDebugPrint("Model Name *** Is %s\n", UTF8String(g_ModelName).constData());
     // Doesn't stop at a match: the remaining queues are still examined and logged.
-    for (int index = 0; index < service.count; ++index) {
-        examineQueue(service.list[index].name, service);
+    for (const cups_dest_t& queue : std::span(service.list, static_cast<std::size_t>(service.count))) {
+        examineQueue(queue.name, service);
     }
     tDebugPrint("Return from CUPS Printer List\n");
 }
