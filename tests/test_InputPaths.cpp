@@ -1,18 +1,17 @@
-// Whatever way the user takes, an act has its whole effect or none: random sequences of acts, each by mouse,
-// keys, mnemonics, input method, drag and drop or an assistive program, on the real window and page, against
-// a model.
+// Whatever way the user takes, an input has its whole effect or none: random sequences of inputs by mouse,
+// keys, mnemonics, input method, drop or an assistive program, on the real window and page, against a model.
 //
 // RC_PARAMS="max_success=1000 max_size=200" runs more of them; "reproduce=..." repeats a failure.
 
 #include "Installer/InstallerWindow.h"
 #include "Installer/IntroductionPane.h"
 #include "Installer/SummaryPane.h"
+#include "NetworkPrinterConfig/Beep.h"
 #include "NetworkPrinterConfig/NetworkPrinterConfigPane.h"
 #include "discovery/InstalledPrinters.h"
 #include "discovery/PrinterDiscovery.h"
 #include "handoff/DiagnosticLog.h"
 #include "support/Fixtures.h"
-#include "support/PageFixtures.h"
 #include "support/PageModel.h"
 #include "support/SystemLogCapture.h"
 #include "support/TestMain.h"
@@ -21,30 +20,29 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
-#include <QElapsedTimer>
+#include <QDeadlineTimer>
 #include <QLabel>
+#include <QMessageBox>
 #include <QMimeData>
-#include <QPushButton>
+#include <QScopedValueRollback>
 #include <QTest>
+#include <QTimer>
 
 #include <rapidcheck.h>
 #include <rapidcheck/state.h>
 
-#include <condition_variable>
-#include <mutex>
+#include <atomic>
 
 namespace {
 
-/// What answers the stand-in for discovery: a search ends when the test says so.
-struct Network {
-    std::mutex mutex;
-    std::condition_variable_any changed;
-    bool isAsked = false;
-    bool isAnswered = false;
-    QStringList printers;
-} network;
+std::atomic<bool> isSearching;  // whether a search waits for endSearch()
+QStringList printersOnNetwork;
+bool isQueueInstalled = false;
 
-QStringList queues;  // of the print service
+void endSearch() {
+    isSearching = false;
+    isSearching.notify_all();
+}
 
 }  // namespace
 
@@ -54,528 +52,450 @@ QString g_ModelName;
 std::int32_t g_PrinterAlreadyInstalled = 0;
 
 void resetPrinterList() {
-    setFoundPrinters({});
+    g_PrinterList = std::make_shared<QStringList>(u"Enter IP Address Manually\n"_s);
 }
 
 void GetTovikQuazelPrinters(const std::stop_token& leaving) {
-    std::unique_lock lock(network.mutex);
     resetPrinterList();
-    network.isAsked = true;
-    if (network.changed.wait(lock, leaving, [] { return network.isAnswered; })) {
-        setFoundPrinters(network.printers);
+    isSearching = true;
+    const std::stop_callback endWhenLeaving(leaving, endSearch);
+    isSearching.wait(true);
+    for (const QString& printer : printersOnNetwork) {
+        g_PrinterList->append(printer + u'\n');
     }
-    network.isAsked = network.isAnswered = false;
 }
 
 void GetInstalledPrinterList() {
     const QCursor* const cursor = QGuiApplication::overrideCursor();
     const bool isBusy = cursor != nullptr && cursor->shape() == Qt::BusyCursor;
     tDebugPrint("CUPS %s%s\n", qPrintable(g_ModelName), isBusy ? "" : ", without the busy cursor");
-    g_PrinterAlreadyInstalled = queues.contains(g_ModelName) ? 1 : 0;
+    g_PrinterAlreadyInstalled = isQueueInstalled ? 1 : 0;
 }
 
 namespace {
 
-constexpr int pause = 1000;      // ms, longer than a double click
-constexpr int shortPause = 100;  // ms, shorter
-
-/// The window with its pages, worked by real events.
-class Desk {
-  public:
-    explicit Desk(const TemporaryHome& home)
-        : home_(home),
-          page_(new NetworkPrinterConfigPane),
-          list(page_->PrinterIP()),
-          field(page_->IPAddressText()) {
-        page_->awakeFromNib();
-        window_ = std::make_unique<InstallerWindow>(
-            std::vector<InstallerPane*>{new IntroductionPane(QString()), page_, new SummaryPane});
-        window_->resize(780, 780);
-        window_->show();
-        RC_ASSERT(QTest::qWaitForWindowActive(window_.get()));
-        (void)takeLog(home_);
-        (void)beeps_.take();
-        alerts_.beforeClosing = [this] { actBehindAlert(); };
+/// The window with its pages, operated by real events.
+struct Desk {
+    explicit Desk(const TemporaryHome& homeFolder) : home(homeFolder) {
+        (void)takeLog(home);  // An earlier window may have been left in the middle of a search.
+        writeFile(home.selectionFile(), "KV210 1.2.3.4");
+        page->awakeFromNib();
+        RC_ASSERT(takeLog(home).join(u'|') ==
+                  u"Tovik Quazel Installer Initializing....|Inside RemoveFile|Return from RemoveFile"_s);
+        window.resize(780, 780);
+        window.show();
+        RC_ASSERT(QTest::qWaitForWindowActive(&window));
+        setBeep([this] { effects += takeLog(home) + QStringList{u"beep"_s}; });
+        QObject::connect(&alertTimer, &QTimer::timeout, &window, [this] { closeAlert(); });
+        alertTimer.start(1);
+        isQueueInstalled = false;
     }
+    Q_DISABLE_COPY_MOVE(Desk)
+    ~Desk() { setBeep({}); }
 
     [[nodiscard]] QAbstractButton* widgetOf(Button button) const {
-        const auto index = static_cast<int>(button);
-        switch (button) {
-            case Button::Back:
-                return window_->findChild<QPushButton*>(u"back"_s);
-            case Button::Next:
-                return window_->findChild<QPushButton*>(u"next"_s);
-            case Button::Refresh:
-                return page_->RefreshButton();
-            default:
-                return index < 2 ? page_->radiobtnPrinterType()->cellAt(index, 0)
-                                 : page_->radiobtnPrinterModel()->cellAt(0, index - 2);
-        }
+        const QList<QAbstractButton*> others{page->RefreshButton(), window.findChild<QPushButton*>(u"back"_s),
+                                             window.findChild<QPushButton*>(u"next"_s)};
+        return (page->radiobtnPrinterType()->buttons() + page->radiobtnPrinterModel()->buttons() + others)
+            .at(button);
     }
 
-    void click(Button button, QTest::MouseAction action) {
-        QAbstractButton* const widget = widgetOf(button);
-        if (widget->isVisible()) {
-            const QPoint place = widget->mapTo(window_.get(), QPoint(8, widget->height() / 2));
-            QTest::mouseEvent(action, window_->windowHandle(), Qt::LeftButton, {}, place);
-        }
-    }
-
-    /// Presses a key `after` milliseconds of the events' own time; held down, it repeats once more.
-    void pressKey(char character, Qt::KeyboardModifiers modifiers, int after, bool isHeld = false) {
-        QTest::lastMouseTimestamp += after;
-        const auto time = static_cast<quint64>(QTest::lastMouseTimestamp);
-        const int key = QTest::asciiToKey(character);
-        const QString text{QLatin1Char(character)};
-        for (const bool isRepeated : {false, true}) {
-            if (isRepeated && !isHeld) {
-                break;
-            }
-            QWidget* const target = keyTarget();
-            if (!qt_sendShortcutOverrideEvent(target, time, key, modifiers, text, isRepeated)) {
-                QKeyEvent press(QEvent::KeyPress, key, modifiers, text, isRepeated);
-                press.setTimestamp(time);
-                QApplication::sendEvent(target, &press);
-            }
-        }
-        QKeyEvent release(QEvent::KeyRelease, key, modifiers, text);
-        release.setTimestamp(time);
-        QApplication::sendEvent(keyTarget(), &release);
-    }
-
-    void pressMnemonic(Button button, int after, bool isHeld = false) {
-        const QString text = widgetOf(button)->text();
-        pressKey(text.at(text.indexOf(u'&') + 1).toLower().toLatin1(), Qt::AltModifier, after, isHeld);
-    }
-    void pressReturn(int after, bool isHeld = false) { pressKey('\r', {}, after, isHeld); }
-
-    bool takeFocus(QWidget* control) {
-        activate();
+    /// Gives a control the focus. False if it can't have it.
+    bool focus(QWidget* control) {
         if (control->isVisible()) {
             control->setFocus();
         }
         return control->isVisible() && control->hasFocus();
     }
 
-    void pressSpace(Button button) {
-        if (takeFocus(widgetOf(button))) {
-            pressKey(' ', {}, pause);
+    /// Clicks where a button is. The release has not been handled when this returns.
+    void click(Button button) {
+        const QWidget* const widget = widgetOf(button);
+        const QPoint place = widget->mapTo(&window, QPoint(8, widget->height() / 2));
+        const auto send = [&](QEvent::Type type, Qt::MouseButton pressed) {
+            qt_handleMouseEvent(window.windowHandle(), place, window.mapToGlobal(place), pressed,
+                                Qt::LeftButton, type, {}, QTest::lastMouseTimestamp);
+        };
+        if (widget->isVisible()) {
+            send(QEvent::MouseButtonPress, Qt::LeftButton);
+            QCoreApplication::processEvents();
+            send(QEvent::MouseButtonRelease, Qt::NoButton);
         }
     }
-    void pressInList(Qt::Key key) {
-        if (takeFocus(list)) {
-            QTest::keyClick(list, key);
+
+    /// Presses a key, wherever the focus is; held down, it repeats once.
+    void press(QKeyCombination key, bool isHeld = false) {
+        const auto time = static_cast<quint64>(QTest::lastMouseTimestamp);
+        const auto send = [&](QEvent::Type type, bool isRepeat) {
+            QWidget* const target = window.focusWidget() != nullptr ? window.focusWidget() : &window;
+            QKeyEvent event(type, key.key(), key.keyboardModifiers(),
+                            QChar::fromLatin1(QTest::keyToAscii(key.key())), isRepeat);
+            event.setTimestamp(time);
+            if (type == QEvent::KeyRelease ||
+                !qt_sendShortcutOverrideEvent(target, time, event.key(), event.modifiers(), event.text(),
+                                              isRepeat)) {
+                QApplication::sendEvent(target, &event);
+            }
+        };
+        send(QEvent::KeyPress, false);
+        if (isHeld) {
+            send(QEvent::KeyPress, true);
         }
+        send(QEvent::KeyRelease, false);
     }
 
     static void assist(QWidget* control, const QString& action) {
         QAccessible::queryAccessibleInterface(control)->actionInterface()->doAction(action);
     }
-    void assist(Button button) {
-        assist(widgetOf(button), button < Button::Refresh ? QAccessibleActionInterface::toggleAction()
-                                                          : QAccessibleActionInterface::pressAction());
+    void assist(Button button) const {
+        assist(widgetOf(button), button < Refresh ? QAccessibleActionInterface::toggleAction()
+                                                  : QAccessibleActionInterface::pressAction());
     }
-    [[nodiscard]] QAccessibleEditableTextInterface* accessibleText() const {
+    [[nodiscard]] QAccessibleEditableTextInterface* assistiveText() const {
         return QAccessible::queryAccessibleInterface(field)->editableTextInterface();
     }
+    [[nodiscard]] int length() const { return static_cast<int>(field->text().size()); }
 
-    void turnWheel() {
+    void turnWheel() const {
+        const QPointF middle = list->rect().center();
+        QWheelEvent event(middle, list->mapToGlobal(middle), {}, {0, -120}, {}, {}, Qt::NoScrollPhase, false);
+        QSpontaneKeyEvent::setSpontaneous(&event);  // Only those may take the focus.
         if (list->isVisible()) {
-            const QPointF middle = list->rect().center();
-            QWheelEvent event(middle, list->mapToGlobal(middle), {}, {0, -120}, {}, {}, Qt::NoScrollPhase,
-                              false);
-            QSpontaneKeyEvent::setSpontaneous(&event);  // Only those may take the focus.
             qApp->notify(list, &event);
         }
     }
 
-    void chooseLastInPopup() {
+    /// Chooses the last item in the list's popup, if it is open.
+    void chooseLast() const {
         if (list->view()->isVisible()) {
             QTest::keyClick(list->view(), Qt::Key_End);
             QTest::keyClick(list->view(), Qt::Key_Return);
         }
     }
-
-    void chooseLastByAssistance() {
+    void chooseLastByAssistance() const {
         assist(list, QAccessibleActionInterface::showMenuAction());
-        chooseLastInPopup();
+        chooseLast();
     }
 
-    [[nodiscard]] int length() const { return static_cast<int>(field->text().size()); }
-
-    void type(const QString& text) {
-        if (takeFocus(field)) {
-            field->end(false);
-            for (const QChar character : text) {
-                QTest::sendKeyEvent(QTest::Click, field, Qt::Key_unknown, QString(character), {});
-            }
-        }
-    }
-
-    void paste(const QString& text) {
-        if (takeFocus(field)) {
-            QApplication::clipboard()->setText(text);
-            field->selectAll();
-            QTest::keySequence(field, QKeySequence::Paste);
-        }
-    }
-
-    /// Replaces all by way of a preedit; a null text gives it up.
-    void compose(
-        const QString& text, const std::function<void()>& meanwhile = [] {}) {
-        if (takeFocus(field)) {
-            field->selectAll();
-            QInputMethodEvent preedit(u"preedit"_s, {});
-            QApplication::sendEvent(field, &preedit);
-            meanwhile();
-            QInputMethodEvent commit;
-            commit.setCommitString(text);
-            QApplication::sendEvent(field, &commit);
-        }
-    }
-
-    void deleteByInputMethod() {
-        if (takeFocus(field)) {
-            field->end(false);
-            QInputMethodEvent event;
-            event.setCommitString(QString(), -1, 1);
-            QApplication::sendEvent(field, &event);
-        }
-    }
-
-    void drop(const QString& text) {
+    void drop(const QString& text) const {
+        QMimeData data;
+        data.setText(text);
+        const QPoint end = field->rect().bottomRight();
+        QDragEnterEvent enter(end, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QDropEvent event(end, Qt::CopyAction, &data, Qt::LeftButton, {});
         if (field->isVisible() && field->isEnabled()) {
-            QMimeData data;
-            data.setText(text);
-            const QPoint place(field->width() - 5, field->height() / 2);
-            QDragEnterEvent enter(place, Qt::CopyAction, &data, Qt::LeftButton, {});
             QApplication::sendEvent(field, &enter);
-            QDropEvent event(place, Qt::CopyAction, &data, Qt::LeftButton, {});
             QApplication::sendEvent(field, &event);
         }
     }
 
-    void endSearch(const QStringList& printers) {
-        const std::lock_guard lock(network.mutex);
-        network.printers = printers;
-        network.isAnswered = true;
-        network.changed.notify_all();
+    /// As an input method does: shows a text to be, or replaces the last characters; neither gives it up.
+    void compose(const QString& preedit, const QString& text, int replaced = 0) const {
+        QInputMethodEvent event(preedit, {});
+        event.setCommitString(text, -replaced, replaced);
+        QApplication::sendEvent(field, &event);
+    }
+    void composeOverAll() const {
+        field->selectAll();
+        compose(u"preedit"_s, {});
     }
 
-    /// Waits until the page has come to rest: no search, or one that waits for printers.
+    /// Waits until the page has come to rest: no search, or one that waits for endSearch().
     void settle() {
-        QTest::lastMouseTimestamp += pause;
-        QElapsedTimer clock;
-        for (clock.start(); clock.elapsed() < 5000;) {
+        const QDeadlineTimer deadline(5000);
+        do {
             QCoreApplication::processEvents();
-            const std::lock_guard lock(network.mutex);
-            if (page_->isNextEnabled() || (network.isAsked && !network.isAnswered)) {
-                return;
-            }
-        }
-        RC_FAIL("the page does not come to rest");
+            RC_ASSERT(!deadline.hasExpired());
+        } while (!page->isNextEnabled() && !isSearching);
+        window.activateWindow();  // Without a window manager, a closed alert or popup leaves none active.
+        QCoreApplication::processEvents();
     }
 
     /// What can be seen of the page now, in the model's words.
     [[nodiscard]] QString text() {
-        const QStringList titles{u"Introduction"_s, page_->title(), u"Summary"_s};
-        const QString heading = window_->findChild<QLabel*>(u"heading"_s)->text();
-        const RadioMatrix& models = *page_->radiobtnPrinterModel();
-        const QList<bool> enabled{list->isEnabled(), page_->RefreshButton()->isEnabled(),
-                                  page_->radiobtnPrinterType()->isEnabled(), page_->isNextEnabled(),
-                                  page_->isPreviousEnabled()};
+        const QStringList titles{u"Introduction"_s, page->title(), u"Summary"_s};
+        const QList<bool> enabled{list->isEnabled(), page->RefreshButton()->isEnabled(),
+                                  page->radiobtnPrinterType()->isEnabled(), page->isNextEnabled(),
+                                  page->isPreviousEnabled()};
         PageModel seen;
-        seen.step = window_->isVisible() ? static_cast<int>(titles.indexOf(heading)) : -1;
-        seen.type = page_->radiobtnPrinterType()->selectedRow();
-        seen.isBoxShown = !page_->PrinterIPInfoBox()->isHidden();
-        seen.items = itemsOf(*list);
+        seen.step = titles.indexOf(window.findChild<QLabel*>(u"heading"_s)->text());
+        seen.type = page->radiobtnPrinterType()->selectedRow();
+        seen.isBoxShown = !page->PrinterIPInfoBox()->isHidden();
+        for (int index = 0; index < list->count(); ++index) {
+            seen.items += list->itemText(index);
+        }
         seen.selected = list->currentIndex();
         seen.address = field->stringValue();
-        seen.isEditable = field->isEditable();
         seen.isAddressEnabled = field->isEnabled();
-        seen.areModelsEnabled = models.isEnabled();
-        seen.column = models.selectedColumn();
-        seen.areControlsEnabled = enabled.contains(true);
-        seen.isBusy = !page_->Progress()->isHidden() && page_->Progress()->isAnimating();
-        seen.changeText = page_->g_ChangeTextBoxText();
-        seen.deSelect = page_->g_deSelectCell();
-        seen.selectedCell = page_->g_SelectedCell();
-        seen.file = QString::fromLatin1(contentOf(home_.selectionFile()));
-        seen.effects = {takeLog(home_), alerts_.take(), beeps_.take()};
-        return seen.text() + (enabled.count(enabled.first()) == enabled.size() ? QString() : u"mixed"_s);
+        seen.areModelsEnabled = page->radiobtnPrinterModel()->isEnabled();
+        seen.column = page->radiobtnPrinterModel()->selectedColumn();
+        seen.isSearching = !page->Progress()->isHidden() && page->Progress()->isAnimating();
+        seen.changeText = page->g_ChangeTextBoxText();
+        seen.deSelect = page->g_deSelectCell();
+        seen.selectedCell = page->g_SelectedCell();
+        seen.file = QString::fromLatin1(contentOf(home.selectionFile()));
+        seen.summary = window.findChild<QLabel*>(u"summary"_s)->text().section(u"\n\n"_s, 1);
+        seen.effects = std::exchange(effects, {}) + takeLog(home);
+        const bool isMixed = enabled.contains(seen.isSearching) || field->isEditable() != field->isEnabled();
+        return (isMixed ? u"mixed "_s : QString()) + (window.isVisible() ? seen.text() : u"closed"_s);
     }
 
-  private:
-    /// Without a window manager, a closed alert or popup leaves no window active.
-    void activate() const {
-        if (!window_->isActiveWindow()) {
-            window_->activateWindow();
-            QCoreApplication::processEvents();
+    /// Closes an alert, by Return, by Escape and by a click in turn.
+    void closeAlert() {
+        auto* const alert = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (alert == nullptr || !alert->isVisible()) {
+            return;
+        }
+        QStringList texts{alert->text(), alert->informativeText()};
+        for (const QAbstractButton* const button : alert->buttons()) {
+            texts += button->text();
+        }
+        effects += takeLog(home) + QStringList{texts.join(u'|')};
+        actBehindAlert();
+        const QScopedValueRollback clock(QTest::lastMouseTimestamp);  // The input goes on at its own time.
+        if (++closedAlerts % 3 == 0) {
+            QTest::mouseClick(alert->buttons().constFirst(), Qt::LeftButton);
+        } else {
+            QTest::keyClick(alert, closedAlerts % 3 == 1 ? Qt::Key_Return : Qt::Key_Escape);
         }
     }
 
-    [[nodiscard]] QWidget* keyTarget() const {
-        activate();
-        QWidget* const focused = QApplication::focusWidget();
-        return focused != nullptr ? focused : window_.get();
-    }
-
-    /// An assistive program can reach the window behind an alert, but must not change anything.
-    void actBehindAlert() {
-        for (int button = 0; button <= static_cast<int>(Button::Next); ++button) {
+    /// Neither an assistive program nor a late click may change anything behind an alert.
+    void actBehindAlert() const {
+        for (int button = Directly; button <= Continue; ++button) {
             assist(static_cast<Button>(button));
         }
-        accessibleText()->insertText(0, u"9"_s);
+        emit widgetOf(Continue)->clicked();
+        assistiveText()->insertText(0, u"9"_s);
         chooseLastByAssistance();
     }
 
-    const TemporaryHome& home_;
-    BeepCounter beeps_;
-    AlertReader alerts_;
-    NetworkPrinterConfigPane* page_;
-    std::unique_ptr<InstallerWindow> window_;
-
-  public:
-    ComboBox* const list;
-    TextField* const field;
+    const TemporaryHome& home;
+    NetworkPrinterConfigPane* const page = new NetworkPrinterConfigPane;
+    ComboBox* const list = page->PrinterIP();
+    TextField* const field = page->IPAddressText();
+    InstallerWindow window{{new IntroductionPane(QString()), page, new SummaryPane}};
+    QTimer alertTimer;
+    QStringList effects;  // records, alerts and beeps, in order
+    int closedAlerts = 0;
 };
 
-/// What an act is about; each takes what it needs.
-struct Choice {
-    std::size_t act = 0;
-    Button button = Button::Next;
-    Button second = Button::Next;
-    int key = 0;
-    QStringList printers;
-    QStringList queues;
-    QString text;
+/// Where the focus must be, or when, for an input to be sent.
+enum Need { Anywhere, OnButton, OnList, OnField, InSearch };
+
+struct Input;
+
+/// A kind of input: how it is sent to the window, and what the model makes of it.
+struct Kind {
+    const char* name;  // with the values that it uses in capitals
+    Need need;
+    void (*send)(Desk& desk, const Input& input);
+    void (*expect)(PageModel& model, const Input& input);
 };
 
-/// A thing that the user can do, on the real page and on the model.
-struct Act {
-    const char* name;
-    void (*perform)(Desk& desk, const Choice& choice);
-    void (*expect)(PageModel& model, const Choice& choice);
-};
-
-constexpr Qt::Key listKeys[]{Qt::Key_Down, Qt::Key_Up, Qt::Key_Home, Qt::Key_End};
-
-void nothing(PageModel&, const Choice&) {}
-void press(PageModel& model, const Choice& choice) {
-    model.press(choice.button);
-}
-void pressNext(PageModel& model, const Choice&) {
-    model.press(Button::Next);
-}
-void selectLast(PageModel& model, const Choice&) {
-    model.select(model.items.size() - 1);
-}
-void append(PageModel& model, const Choice& choice) {
-    model.edit(model.address + choice.text);
-}
-void replace(PageModel& model, const Choice& choice) {
-    model.edit(choice.text);
-}
-void replaceIfOther(PageModel& model, const Choice& choice) {
-    if (choice.text != model.address) {
-        model.edit(choice.text);
-    }
-}
-
-const Act acts[]{
-    // Presses of choice.button.
-    {"click", [](Desk& desk, const Choice& choice) { desk.click(choice.button, QTest::MouseClick); }, press},
-    {"double click", [](Desk& desk, const Choice& choice) { desk.click(choice.button, QTest::MouseDClick); },
-     [](PageModel& model, const Choice& choice) {
-         model.press(choice.button);
-         if (choice.button < Button::Refresh) {
-             model.press(choice.button);  // Each half selects.
-         }
-     }},
-    {"mnemonic", [](Desk& desk, const Choice& choice) { desk.pressMnemonic(choice.button, pause); }, press},
-    {"mnemonic held down",
-     [](Desk& desk, const Choice& choice) { desk.pressMnemonic(choice.button, pause, true); }, press},
-    {"two mnemonics",
-     [](Desk& desk, const Choice& choice) {
-         desk.pressMnemonic(choice.button, pause);
-         desk.pressMnemonic(choice.second, shortPause);
-     },
-     [](PageModel& model, const Choice& choice) {
-         model.press(choice.button);
-         if (choice.button != choice.second || choice.button < Button::Back) {
-             model.press(choice.second);  // The same mnemonic twice would be a double press.
-         }
-     }},
-    {"Space", [](Desk& desk, const Choice& choice) { desk.pressSpace(choice.button); }, press},
-    {"assistive press", [](Desk& desk, const Choice& choice) { desk.assist(choice.button); },
-     [](PageModel& model, const Choice& choice) { model.toggle(choice.button); }},
-    // Return, wherever the focus is.
-    {"Return", [](Desk& desk, const Choice&) { desk.pressReturn(pause); }, pressNext},
-    {"Return held down", [](Desk& desk, const Choice&) { desk.pressReturn(pause, true); }, pressNext},
-    {"Return twice at once",
-     [](Desk& desk, const Choice&) {
-         desk.pressReturn(pause);
-         desk.pressReturn(shortPause);
-     },
-     pressNext},
-    {"Return twice",
-     [](Desk& desk, const Choice&) {
-         desk.pressReturn(pause);
-         desk.pressReturn(pause);
-     },
-     [](PageModel& model, const Choice& choice) {
-         pressNext(model, choice);
-         pressNext(model, choice);
-     }},
-    // The list.
-    {"key in the list", [](Desk& desk, const Choice& choice) { desk.pressInList(listKeys[choice.key]); },
-     [](PageModel& model, const Choice& choice) {
-         const qsizetype targets[]{model.selected + 1, model.selected - 1, 0, model.items.size() - 1};
-         model.select(targets[choice.key]);
-     }},
-    {"wheel on the list with the focus",
-     [](Desk& desk, const Choice&) {
-         if (desk.takeFocus(desk.list)) {
-             desk.turnWheel();
-         }
-     },
-     [](PageModel& model, const Choice&) { model.select(model.selected + 1); }},
-    {"wheel on the list without the focus",
-     [](Desk& desk, const Choice&) {
-         desk.takeFocus(desk.widgetOf(Button::Next));
-         desk.turnWheel();
-     },
-     nothing},
-    {"last in the popup",
-     [](Desk& desk, const Choice&) {
-         desk.pressInList(Qt::Key_F4);
-         desk.chooseLastInPopup();
-     },
-     selectLast},
-    {"last in an assistive popup", [](Desk& desk, const Choice&) { desk.chooseLastByAssistance(); },
-     selectLast},
-    // The address.
-    {"type", [](Desk& desk, const Choice& choice) { desk.type(choice.text); },
-     [](PageModel& model, const Choice& choice) {
-         for (const QChar character : choice.text) {
-             model.edit(model.address + character);
-         }
-     }},
-    {"paste over all", [](Desk& desk, const Choice& choice) { desk.paste(choice.text); }, replace},
-    {"drop at the end", [](Desk& desk, const Choice& choice) { desk.drop(choice.text); }, append},
-    {"compose over all", [](Desk& desk, const Choice& choice) { desk.compose(choice.text); }, replace},
-    {"delete by input method", [](Desk& desk, const Choice&) { desk.deleteByInputMethod(); },
-     [](PageModel& model, const Choice&) {
-         if (!model.address.isEmpty()) {
-             model.edit(model.address.chopped(1));
-         }
-     }},
-    {"compose over all, Refresh by assistance, give it up",
-     [](Desk& desk, const Choice&) {
-         desk.compose(QString(), [&] {
-             desk.assist(Button::Refresh);
-             desk.settle();
-         });
-     },
-     [](PageModel& model, const Choice&) {
-         if (model.isFieldFree()) {
-             model.press(Button::Refresh);
-         }
-     }},
-    {"compose over all and give it up", [](Desk& desk, const Choice&) { desk.compose(QString()); }, nothing},
-    {"assistive insert",
-     [](Desk& desk, const Choice& choice) { desk.accessibleText()->insertText(desk.length(), choice.text); },
-     append},
-    {"assistive replace",
-     [](Desk& desk, const Choice& choice) {
-         desk.accessibleText()->replaceText(0, desk.length(), choice.text);
-     },
-     replaceIfOther},
-    {"assistive delete",
-     [](Desk& desk, const Choice&) { desk.accessibleText()->deleteText(0, desk.length()); },
-     [](PageModel& model, const Choice&) { replaceIfOther(model, {}); }},
-    // No act of the user's.
-    {"the search ends", [](Desk& desk, const Choice& choice) { desk.endSearch(choice.printers); },
-     [](PageModel& model, const Choice& choice) { model.endSearch(choice.printers); }},
-};
-constexpr std::size_t click = 0;
-constexpr std::size_t searchEnds = std::size(acts) - 1;
-
-struct ActCommand : rc::state::Command<PageModel, Desk> {
-    explicit ActCommand(Choice choice) : choice_(std::move(choice)) {}
-
+struct Input : rc::state::Command<PageModel, Desk> {
     void checkPreconditions(const PageModel& model) const override {
-        RC_PRE(choice_.act != searchEnds || !model.areControlsEnabled);
+        RC_PRE(kind.need != InSearch || model.isSearching);
         RC_PRE(nextState(model).step != PageModel::Closed);
     }
 
     void apply(PageModel& model) const override {
-        model.queues = choice_.queues;
         model.effects = {};
-        acts[choice_.act].expect(model, choice_);
+        model.sincePress += pause;
+        kind.expect(model, *this);
     }
 
     void run(const PageModel& before, Desk& desk) const override {
-        queues = choice_.queues;
-        acts[choice_.act].perform(desk, choice_);
+        QTest::lastMouseTimestamp += pause;
+        QWidget* const controls[]{nullptr, desk.widgetOf(button), desk.list, desk.field, nullptr};
+        if (controls[kind.need] == nullptr || desk.focus(controls[kind.need])) {
+            kind.send(desk, *this);
+        }
         desk.settle();
         RC_ASSERT(desk.text().toStdString() == nextState(before).text().toStdString());
     }
 
     void show(std::ostream& out) const override {
-        static const char* const names[]{"Directly", "Network", "KV210",   "KV260",   "KV410",
-                                         "KV460",    "Refresh", "Go Back", "Continue"};
-        out << acts[choice_.act].name << " [" << names[static_cast<int>(choice_.button)] << ", then "
-            << names[static_cast<int>(choice_.second)] << "; key " << choice_.key << "; \""
-            << choice_.text.toStdString() << "\"; printers " << choice_.printers.join(u", "_s).toStdString()
-            << "; queues " << choice_.queues.join(u", "_s).toStdString() << ']';
+        static const QStringList names{u"Directly"_s, u"Network"_s, u"KV210"_s,   u"KV260"_s,   u"KV410"_s,
+                                       u"KV460"_s,    u"Refresh"_s, u"Go Back"_s, u"Continue"_s};
+        out << (pause == shortPause ? "at once: " : "")
+            << QString::fromLatin1(kind.name)
+                   .replace(u"BUTTON"_s, names.at(button))
+                   .replace(u"TEXT"_s, u'"' + text + u'"')
+                   .replace(u"PRINTERS"_s, printers.join(u", "_s))
+                   .toStdString();
     }
 
-  private:
-    const Choice choice_;
+    Kind kind;
+    int pause;  // before the input, by the events' own time
+    Button button;
+    QString text;
+    QStringList printers;
 };
 
-/// Of the whole range at any size of the test, which would otherwise begin with the first few.
-int below(std::size_t end) {
-    return *rc::gen::resize(rc::kNominalSize, rc::gen::inRange(0, static_cast<int>(end)));
+void nothing(PageModel&, const Input&) {}
+void click(PageModel& model, const Input& input) {
+    model.press(input.button, Qt::Key_unknown);
+}
+void pressMnemonic(PageModel& model, const Input& input) {
+    model.press(input.button, input.button == GoBack ? Qt::Key_B : Qt::Key_C);
+}
+void selectNext(PageModel& model, const Input&) {
+    model.select(model.selected + 1);
+}
+void selectLast(PageModel& model, const Input&) {
+    model.select(model.items.size() - 1);
+}
+void append(PageModel& model, const Input& input) {
+    model.edit(model.address + input.text);
+}
+void replace(PageModel& model, const Input& input) {
+    model.edit(input.text);
 }
 
-QStringList someOf(const QStringList& pool) {
-    QStringList some;
-    for (const QString& each : pool) {
-        if (below(2) == 1) {
-            some += each;
+const std::vector<Kind> kinds{
+    {"click BUTTON", Anywhere, [](auto& desk, auto& input) { desk.click(input.button); }, click},
+    {"double click BUTTON", Anywhere,
+     [](auto& desk, auto& input) {
+         desk.click(input.button);
+         QTest::lastMouseTimestamp += shortPause;
+         desk.click(input.button);
+     },
+     [](auto& model, auto& input) {
+         click(model, input);
+         model.sincePress += shortPause;
+         click(model, input);
+     }},
+    {"late click of Continue", Anywhere, [](auto& desk, auto&) { emit desk.widgetOf(Continue)->clicked(); },
+     [](auto& model, auto&) { model.press(Continue); }},
+    {"mnemonic of BUTTON held down", Anywhere,
+     [](auto& desk, auto& input) { desk.press(desk.widgetOf(input.button)->shortcut()[0], true); },
+     pressMnemonic},
+    {"Return held down", Anywhere, [](auto& desk, auto&) { desk.press(Qt::Key_Return, true); },
+     [](auto& model, auto&) { model.press(Continue, Qt::Key_Return); }},
+    {"Space on BUTTON", OnButton, [](auto& desk, auto&) { desk.press(Qt::Key_Space); },
+     [](auto& model, auto& input) { model.press(input.button, Qt::Key_Space); }},
+    {"assistive press of BUTTON", Anywhere, [](auto& desk, auto& input) { desk.assist(input.button); },
+     [](auto& model, auto& input) {
+         if (input.button != model.type) {  // To toggle what is selected does nothing.
+             model.press(input.button);
+         }
+     }},
+    {"Down in the list", OnList, [](auto& desk, auto&) { desk.press(Qt::Key_Down); }, selectNext},
+    {"Up in the list", OnList, [](auto& desk, auto&) { desk.press(Qt::Key_Up); },
+     [](auto& model, auto&) { model.select(model.selected - 1); }},
+    {"End in the list", OnList, [](auto& desk, auto&) { desk.press(Qt::Key_End); }, selectLast},
+    {"wheel on the list", OnList, [](auto& desk, auto&) { desk.turnWheel(); }, selectNext},
+    {"wheel on the list without the focus", Anywhere,
+     [](auto& desk, auto&) {
+         desk.focus(desk.widgetOf(Continue));
+         desk.turnWheel();
+     },
+     nothing},
+    {"last in the popup", OnList,
+     [](auto& desk, auto&) {
+         desk.press(Qt::Key_F4);
+         desk.chooseLast();
+     },
+     selectLast},
+    {"last in the popup by assistance", Anywhere, [](auto& desk, auto&) { desk.chooseLastByAssistance(); },
+     selectLast},
+    {"type TEXT", OnField,
+     [](auto& desk, auto& input) {
+         desk.field->end(false);
+         for (const QChar character : input.text) {
+             QTest::sendKeyEvent(QTest::Click, desk.field, Qt::Key_unknown, QString(character), {});
+         }
+     },
+     [](auto& model, auto& input) {
+         for (const QChar character : input.text) {
+             model.edit(model.address + character);
+         }
+     }},
+    {"paste TEXT over all", OnField,
+     [](auto& desk, auto& input) {
+         QApplication::clipboard()->setText(input.text);
+         desk.field->selectAll();
+         QTest::keySequence(desk.field, QKeySequence::Paste);
+     },
+     replace},
+    {"drop TEXT at the end", Anywhere, [](auto& desk, auto& input) { desk.drop(input.text); }, append},
+    {"compose TEXT over all", OnField,
+     [](auto& desk, auto& input) {
+         desk.composeOverAll();
+         desk.compose({}, input.text);
+     },
+     replace},
+    {"compose over all and give up", OnField,
+     [](auto& desk, auto&) {
+         desk.composeOverAll();
+         desk.compose({}, {});
+     },
+     nothing},
+    {"compose over all, press Refresh by assistance and give up", OnField,
+     [](auto& desk, auto&) {
+         desk.composeOverAll();
+         desk.assist(Refresh);
+         desk.settle();
+         desk.compose({}, {});
+     },
+     [](auto& model, auto&) {
+         if (model.isAddressFree()) {
+             model.press(Refresh);
+         }
+     }},
+    {"delete by input method", OnField,
+     [](auto& desk, auto&) {
+         desk.field->end(false);
+         desk.compose({}, {}, 1);
+     },
+     [](auto& model, auto&) {
+         if (!model.address.isEmpty()) {
+             model.edit(model.address.chopped(1));
+         }
+     }},
+    {"insert TEXT by assistance", Anywhere,
+     [](auto& desk, auto& input) { desk.assistiveText()->insertText(desk.length(), input.text); }, append},
+    {"delete all by assistance", Anywhere,
+     [](auto& desk, auto&) { desk.assistiveText()->deleteText(0, desk.length()); },
+     [](auto& model, auto&) {
+         if (!model.address.isEmpty()) {
+             model.edit({});
+         }
+     }},
+    // Not by the user.
+    {"queue installed or removed", Anywhere, [](auto&, auto&) { isQueueInstalled = !isQueueInstalled; },
+     [](auto& model, auto&) { model.isInstalled = !model.isInstalled; }},
+    {"search finds PRINTERS", InSearch,
+     [](auto&, auto& input) {
+         printersOnNetwork = input.printers;
+         endSearch();
+     },
+     [](auto& model, auto& input) { model.endSearch(input.printers); }},
+};
+
+/// Half of them lead on: from the other pages to this one, from a search to its end.
+std::shared_ptr<const Input::CommandType> anyInput(qsizetype step, bool isInSearch) {
+    auto input = std::make_shared<Input>();
+    input->kind = *rc::gen::sizedElementOf(kinds);
+    input->button = static_cast<Button>(*rc::gen::inRange<int>(Directly, Continue + 1));
+    input->pause = *rc::gen::sizedElement(doubleClickInterval, shortPause);
+    input->text = *rc::gen::sizedElement(u"1"_s, u"10.0.0.5"_s, u"192.168.1.40"_s, u"a"_s, u"..256"_s,
+                                         u"1.2.3.4 "_s, u"255.255.255.2555"_s, u"\u0661"_s);
+    for (const QString& printer : {u"Tovik KV210 @10.0.0.4"_s, u"Tovik KV260 @10.0.0.5"_s,
+                                   u"Tovik KV410 @10.0.0.7"_s, u"Tovik KV460 @10.0.0.50"_s}) {
+        if (*rc::gen::arbitrary<bool>()) {
+            input->printers += printer;
         }
     }
-    return some;
-}
-
-using AnyCommand = std::shared_ptr<const rc::state::Command<PageModel, Desk>>;
-
-/// Mostly what leads on: from the other pages to this one, from a search to its end.
-rc::Gen<AnyCommand> anyAct(const PageModel& model) {
-    return rc::gen::exec([step = model.step, isSearching = !model.areControlsEnabled]() -> AnyCommand {
-        static const QStringList texts{u"1"_s,     u"10.0.0.5"_s, u"192.168.1.40"_s,     u"a"_s,
-                                       u"..256"_s, u"1.2.3.4 "_s, u"255.255.255.2555"_s, u"\u0661"_s};
-        Choice choice;
-        choice.act = static_cast<std::size_t>(below(std::size(acts)));
-        choice.button = static_cast<Button>(below(9));
-        if (step != PageModel::Page && below(4) > 0) {
-            choice.act = click;
-            choice.button = step == PageModel::Introduction ? Button::Next : Button::Back;
-        } else if (isSearching && below(4) == 0) {
-            choice.act = searchEnds;
-        }
-        choice.second = static_cast<Button>(below(9));
-        choice.key = below(std::size(listKeys));
-        choice.text = texts.at(below(static_cast<std::size_t>(texts.size())));
-        choice.printers = someOf({u"Tovik KV210 @10.0.0.4"_s, u"Tovik KV260 @10.0.0.5"_s,
-                                  u"Tovik KV410 @10.0.0.7"_s, u"Tovik KV460 @10.0.0.50"_s});
-        choice.queues = someOf({u"Tovik-KV210-Ethernet-Printer-IP=10.0.0.4"_s,
-                                u"Tovik-KV460-Ethernet-Printer-IP=10.0.0.50"_s,
-                                u"Tovik-KV210-Ethernet-Printer-IP=192.168.1.40"_s});
-        return std::make_shared<ActCommand>(choice);
-    });
+    const bool leadsOn = *rc::gen::arbitrary<bool>();
+    if (leadsOn && step != PageModel::Page) {
+        input->kind = kinds.front();
+        input->button = step == PageModel::Introduction ? Continue : GoBack;
+    } else if (leadsOn && isInSearch) {
+        input->kind = kinds.back();
+    }
+    return input;
 }
 
 }  // namespace
@@ -584,19 +504,24 @@ class TestInputPaths : public QObject {
     Q_OBJECT
 
   private slots:
-    void anActHasItsWholeEffectOrNone() {
+    void anInputHasItsWholeEffectOrNone() {
+        QApplication::setDoubleClickInterval(doubleClickInterval);
         if (!qEnvironmentVariableIsSet("RC_PARAMS")) {
-            qputenv("RC_PARAMS", "max_success=250");  // About 7,000 acts.
+            qputenv("RC_PARAMS", "max_success=250");  // About 7,000 inputs.
         }
+        const TemporaryHome home;
         const SystemLogCapture systemLog;
-        QVERIFY(rc::check("an act has its whole effect or none", [this] {
-            Desk desk(home_);
-            rc::state::check(PageModel(), desk, anyAct);
+        QVERIFY(rc::check("an input has its whole effect or none", [&home] {
+            Desk desk(home);
+            rc::state::check(PageModel(), desk, [](const PageModel& model) {
+                // The nominal size, so that all values occur from the first test on.
+                return rc::gen::resize(rc::kNominalSize,
+                                       rc::gen::exec([step = model.step, isInSearch = model.isSearching] {
+                                           return anyInput(step, isInSearch);
+                                       }));
+            });
         }));
     }
-
-  private:
-    TemporaryHome home_;
 };
 
 QUAZEL_TEST_MAIN(TestInputPaths, QApplication)

@@ -1,103 +1,95 @@
-// What the page must do, with no widgets, threads or event loop: the state of its controls, what each act
-// makes of it, and the records, alerts and beeps that it leaves.
+// What the page must do, without widgets, threads or an event loop: the state of its controls, how each input
+// changes it, and the records, alerts and beeps that follow.
 
 #pragma once
 
 #include <QDebug>
 #include <QRegularExpression>
-#include <QString>
 #include <QStringList>
 
 #include <algorithm>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
-enum class Button { Directly, Network, Kv210, Kv260, Kv410, Kv460, Refresh, Back, Next };
+enum Button { Directly, Network, Kv210, Kv260, Kv410, Kv460, Refresh, GoBack, Continue };
+
+constexpr int doubleClickInterval = 400;  // ms
+constexpr int shortPause = 100;
 
 struct PageModel {
     enum Step { Introduction, Page, Summary, Closed };
 
-    /// What an act leaves behind it.
-    struct Effects {
-        QStringList records;
-        QStringList alerts;
-        int beeps = 0;
-    };
-
-    int step = Introduction;
+    qsizetype step = Introduction;
     qsizetype type = -1;
     bool isBoxShown = true;
     QStringList items;
     qsizetype selected = -1;
     QString address;
-    bool isEditable = true;
-    bool isAddressEnabled = true;
+    bool isAddressEnabled = true;  // and editable
     bool areModelsEnabled = true;
     qsizetype column = -1;
-    bool areControlsEnabled = true;  // type, list, Refresh, Continue and Go Back: all but while searching
-    bool isBusy = false;
+    bool isSearching = false;  // disables type, list, Refresh, Continue and Go Back, and shows the progress
     bool changeText = false;
     bool deSelect = false;
     qsizetype selectedCell = 0;
     QString file;
-    QStringList queues;  // of the print service
-    Effects effects;
+    QString summary;
+    QStringList effects;       // records, alerts and beeps of the last input, in order
+    int sincePress = 0;        // ms from the last press of Continue or Go Back that counted
+    bool isInstalled = false;  // whether the print service has the queue that is looked up
 
     /// All that is compared, on one line.
     [[nodiscard]] QString text() const {
         QString text;
         QDebug(&text).noquote() << "step" << step << "type" << type << "box" << isBoxShown << "list"
-                                << areControlsEnabled << selected << items << "address" << address
-                                << isEditable << isAddressEnabled << "models" << areModelsEnabled << column
-                                << "busy" << isBusy << "fields" << changeText << deSelect << selectedCell
-                                << "file" << file << "beeps" << effects.beeps << "alerts" << effects.alerts
-                                << "records" << effects.records.join(u'|');
+                                << selected << items << "address" << isAddressEnabled << address << "models"
+                                << areModelsEnabled << column << "searching" << isSearching << "fields"
+                                << changeText << deSelect << selectedCell << "file" << file << summary
+                                << "effects" << effects.join(u'|');
         return text;
     }
 
-    void press(Button button) {
-        const auto index = static_cast<int>(button);
-        const bool isPageFree = step == Page && areControlsEnabled;
-        if (button == Button::Next && (isPageFree || step == Introduction || step == Summary)) {
+    /// A press by a key, by the mouse (Key_unknown) or by neither.
+    void press(Button button, std::optional<Qt::Key> key = {}) {
+        const bool isModel = button >= Kv210 && button <= Kv460;
+        if (isModel && isFormShown() && areModelsEnabled) {
+            column = button - Kv210;
+        }
+        if (isModel || isSearching) {
+            return;
+        }
+        if (button == Continue && isCounted(key)) {
             goForward();
-        } else if (button == Button::Back && (isPageFree || step == Summary)) {
+        } else if (button == GoBack && step > Introduction && isCounted(key)) {
             goBack();
-        } else if (button == Button::Refresh && isPageFree && isBoxShown) {
+        } else if (button == Refresh && isFormShown()) {
             log(u"RefreshButtonClicked"_s);
             startSearch();
-        } else if (button <= Button::Network && isPageFree) {
-            chooseType(index);
-        } else if (button >= Button::Kv210 && button <= Button::Kv460 && isFormShown() && areModelsEnabled) {
-            column = index - static_cast<int>(Button::Kv210);
-        }
-    }
-
-    /// An assistive program toggles: what is selected already stays so, without an action.
-    void toggle(Button button) {
-        if (button > Button::Network || static_cast<int>(button) != type) {
-            press(button);
+        } else if (button <= Network && step == Page) {
+            chooseType(button);
         }
     }
 
     void select(qsizetype index) {
-        if (isFormShown() && areControlsEnabled && index != selected && index >= 0 && index < items.size()) {
+        if (isFormShown() && !isSearching && index != selected && index >= 0 && index < items.size()) {
             didSelect(index);
         }
     }
 
-    [[nodiscard]] bool isFieldFree() const { return isFormShown() && isEditable && isAddressEnabled; }
+    [[nodiscard]] bool isAddressFree() const { return isFormShown() && isAddressEnabled; }
 
-    /// The user wants the field to hold `text`.
+    /// The user wants the address field to hold `text`.
     void edit(const QString& text) {
         static const QRegularExpression allowed(u"^[0-9.]{0,15}$"_s);
-        if (!isFieldFree()) {
+        if (!isAddressFree()) {
             return;
         }
         if (allowed.match(text).hasMatch()) {
             address = text;
             areModelsEnabled = true;
         } else {
-            ++effects.beeps;
+            effects += u"beep"_s;
         }
     }
 
@@ -108,11 +100,11 @@ struct PageModel {
             log(u"Found an Item: %1|"_s.arg(item));
         }
         didSelect(0);
-        isBusy = false;
-        areControlsEnabled = isAddressEnabled = isEditable = true;
+        isSearching = false;
     }
 
   private:
+    std::optional<Qt::Key> lastKey;  // of that press
     static inline const QString manualEntry = u"Enter IP Address Manually"_s;
     static inline const QStringList models{u"KV210"_s, u"KV260"_s, u"KV410"_s, u"KV460"_s};
 
@@ -122,11 +114,22 @@ struct PageModel {
     [[nodiscard]] QString itemModel() const { return item().section(u' ', 1, 1); }
 
     /// Records as they stand in the file, with "|" between them.
-    void log(const QString& records) { effects.records += records.split(u'|'); }
+    void log(const QString& records) { effects += records.split(u'|'); }
 
-    bool refuse(const QString& reason) {
-        effects.alerts += u"Tovik KV Card Printer IP Configuration|%1|Ok"_s.arg(reason);
+    bool refuse(const QString& reason, const QStringList& records = {}) {
+        effects += u"Tovik KV Card Printer IP Configuration|%1|Ok"_s.arg(reason);
+        effects += records;
         return false;
+    }
+
+    /// The second press of a double one does not count.
+    [[nodiscard]] bool isCounted(std::optional<Qt::Key> key) {
+        if (key && key == lastKey && sincePress < doubleClickInterval) {
+            return false;
+        }
+        lastKey = key;
+        sincePress = 0;
+        return true;
     }
 
     void chooseType(int row) {
@@ -143,17 +146,17 @@ struct PageModel {
     /// Up to where it waits for printers.
     void startSearch() {
         log(u"GetPrinterIPThread|GetPrinterIP"_s);
-        isBusy = true;
+        isSearching = true;
         items = QStringList{manualEntry};
         didSelect(0);
-        areControlsEnabled = areModelsEnabled = false;
+        areModelsEnabled = false;
         log(u"Before GetTovikQuazelPrinters"_s);
     }
 
     void didSelect(qsizetype index) {
         selected = index;
         log(u"didSelectIP Event Called|didSelectIP modal is "_s + item());
-        isEditable = isAddressEnabled = areModelsEnabled = isManual();
+        isAddressEnabled = areModelsEnabled = isManual();
         address = isManual() ? QString() : item().section(u'@', 1);
         column = isManual() ? 0 : models.indexOf(itemModel());
         if (!isManual()) {
@@ -171,13 +174,15 @@ struct PageModel {
     void goForward() {
         if (step == Introduction) {
             enter();
-        } else if (step == Summary) {
+        } else if (step >= Summary) {
             step = Closed;
         } else {
             log(u"shouldExitPane|shouldExitPane  :: InstallerDirectionForward"_s);
             if (type == 0 || decide()) {
                 log(u"shouldExitPane  :: Return"_s);
                 step = Summary;
+                summary = file.isEmpty() ? QString()
+                                         : u"Model:\t"_s + QString(file).replace(u' ', u"\nAddress:\t"_s);
             }
         }
     }
@@ -186,7 +191,7 @@ struct PageModel {
         step = Page;
         log(u"didEnterPane"_s);
         type = column = 0;
-        isBoxShown = isBusy = isEditable = isAddressEnabled = areModelsEnabled = false;
+        isBoxShown = isAddressEnabled = areModelsEnabled = false;
         removeFile();
         log(u"Return from didEnterPane"_s);
     }
@@ -197,11 +202,11 @@ struct PageModel {
                                  : u"didEnterPane|Return from didEnterPane"_s);
     }
 
-    [[nodiscard]] static bool isIPv4(const QString& text) {
-        static const QRegularExpression number(u"^[0-9]{1,3}$"_s);
-        const QStringList parts = text.split(u'.');
+    /// Of an address that could be typed.
+    [[nodiscard]] bool isAddressValid() const {
+        const QStringList parts = address.split(u'.');
         return parts.size() == 4 && std::all_of(parts.begin(), parts.end(), [](const QString& part) {
-                   return number.match(part).hasMatch() && part.toInt() <= 255;
+                   return !part.isEmpty() && part.size() <= 3 && part.toInt() <= 255;
                });
     }
 
@@ -209,20 +214,20 @@ struct PageModel {
         log(u"Row Value is Here|Line No 981| Value is Here %1|Line No 989| Value IP is Here %2"_s.arg(
             item(), address));
         if (isManual() && address.isEmpty()) {
-            log(u"Line No 1000|Line No 1007"_s);
-            return refuse(u"Please choose Printer IP or Enter the IP Address to configure"_s);
+            log(u"Line No 1000"_s);
+            return refuse(u"Please choose Printer IP or Enter the IP Address to configure"_s,
+                          {u"Line No 1007"_s});
         }
         log(u"Line No 1014"_s);
-        if (!isIPv4(address)) {
+        if (!isAddressValid()) {
             address.clear();
-            ++effects.beeps;
-            log(u"Line No 1026"_s);
-            return refuse(u"Invalid IP"_s);
+            effects += u"beep"_s;
+            return refuse(u"Invalid IP"_s, {u"Line No 1026"_s});
         }
         return isModelRight() && commit();
     }
 
-    /// A typed address that occurs in a found line stands for the maker's word, which counts as column 0.
+    /// A typed address that occurs in a found line stands for the manufacturer, which counts as column 0.
     [[nodiscard]] bool isModelRight() {
         const bool isKnown = !items.filter(address).isEmpty();
         log(isManual() && isKnown ? u"IsIPAvalaibleInList|IsIPAvalaibleInList"_s : u"IsIPAvalaibleInList"_s);
@@ -231,21 +236,22 @@ struct PageModel {
         }
         changeText = false;
         deSelect = true;
-        log(u"Line No 1033"_s);
-        return refuse(u"Selected Printer model is "_s + (isManual() ? u"Tovik"_s : itemModel()));
+        return refuse(u"Selected Printer model is "_s + (isManual() ? u"Tovik"_s : itemModel()),
+                      {u"Line No 1033"_s});
     }
 
     [[nodiscard]] bool commit() {
         const QString choice = models.at(column) + u' ' + address;
-        const QString queue = u"Tovik-%1-Ethernet-Printer-IP=%2"_s.arg(models.at(column), address);
-        log(itemModel() == models.first()
-                ? u"Line No 1037|Line No 1047|Line No 1051|Line No 1058|Validating"_s
-                : u"Line No 1037|Line No 1047|Line No 1058|Validating"_s);
+        log(u"Line No 1037|Line No 1047"_s);
+        if (itemModel() == models.first()) {
+            log(u"Line No 1051"_s);
+        }
+        log(u"Line No 1058|Validating"_s);
         log((isManual() ? u"!!!Line No 1121|CUPS %2|!!!!Line No 1124"_s
                         : u"Line No 1066|###IP2Configure %1|####Line No 1083|CUPS %2|###Line No 1086"_s)
                 .replace(u"%1"_s, choice)
-                .replace(u"%2"_s, queue));
-        if (queues.contains(queue)) {
+                .replace(u"%2"_s, u"Tovik-%1-Ethernet-Printer-IP=%2"_s.arg(models.at(column), address)));
+        if (isInstalled) {
             return refuse(
                 u"A Printer with this IP Address is already Installed, Please choose another "
                 "Ethernet Printer"_s);
