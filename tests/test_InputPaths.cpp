@@ -86,8 +86,7 @@ struct Desk {
         window.show();
         RC_ASSERT(QTest::qWaitForWindowActive(&window));
         setBeep([this] { effects += takeLog(home) + QStringList{u"beep"_s}; });
-        QObject::connect(&alertTimer, &QTimer::timeout, &window, [this] { closeAlert(); });
-        alertTimer.start(1);
+        closeAlert();
         isQueueInstalled = false;
     }
     Q_DISABLE_COPY_MOVE(Desk)
@@ -240,8 +239,9 @@ struct Desk {
         return (isMixed ? u"mixed "_s : QString()) + (window.isVisible() ? seen.text() : u"closed"_s);
     }
 
-    /// Closes an alert, by Return, by Escape and by a click in turn.
+    /// Closes each alert from now on, by Return, by Escape and by a click in turn.
     void closeAlert() {
+        QTimer::singleShot(1, &window, [this] { closeAlert(); });
         auto* const alert = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
         if (alert == nullptr || !alert->isVisible()) {
             return;
@@ -279,7 +279,6 @@ struct Desk {
     ComboBox* const list = page->PrinterIP();
     TextField* const field = page->IPAddressText();
     InstallerWindow window{{new IntroductionPane(QString()), page, new SummaryPane}};
-    QTimer alertTimer;
     QStringList effects;  // records, alerts and beeps, in order
     int closedAlerts = 0;
     bool isBehindAlert = false;
