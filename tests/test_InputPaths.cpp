@@ -85,17 +85,20 @@ struct Desk {
         window.resize(780, 780);
         window.show();
         RC_ASSERT(QTest::qWaitForWindowActive(&window));
-        setBeep([this] { effects += takeLog(home) + QStringList{u"beep"_s}; });
+        beep = [this] { effects += takeLog(home) + QStringList{u"beep"_s}; };
         closeAlert();
         isQueueInstalled = false;
     }
     Q_DISABLE_COPY_MOVE(Desk)
-    ~Desk() { setBeep({}); }
+    ~Desk() { beep = &QApplication::beep; }
 
     [[nodiscard]] QAbstractButton* widgetOf(Button button) const {
+        const auto buttonsIn = [](const QWidget* control) {
+            return control->findChildren<QAbstractButton*>();
+        };
         const QList<QAbstractButton*> others{page->RefreshButton(), window.findChild<QPushButton*>(u"back"_s),
                                              window.findChild<QPushButton*>(u"next"_s)};
-        return (page->radiobtnPrinterType()->buttons() + page->radiobtnPrinterModel()->buttons() + others)
+        return (buttonsIn(page->radiobtnPrinterType()) + buttonsIn(page->radiobtnPrinterModel()) + others)
             .at(button);
     }
 

@@ -2,5 +2,7 @@
 
 #include <QApplication>
 
+#include <functional>
+
 /// The page's system beep, replaceable so that tests can count it. Main thread.
-inline void (*beep)() = &QApplication::beep;
+inline std::function<void()> beep = &QApplication::beep;
