@@ -24,7 +24,7 @@ make_bare_debian() {
 # refuses the user namespaces that the tests need.
 run_in() {
     "${as_root[@]}" bwrap --die-with-parent --cap-add ALL --unshare-pid --bind "$1" / --bind "$2" /out \
-        --dev /dev --proc /proc --ro-bind /sys /sys --tmpfs /tmp --chdir /out --clearenv \
+        --dev /dev --proc /proc --ro-bind /sys /sys --chdir /out --clearenv \
         --setenv PATH /usr/sbin:/usr/bin:/sbin:/bin --setenv HOME /root --setenv LC_ALL C.UTF-8 \
         --setenv DEBIAN_FRONTEND noninteractive bash -euc "$3"
 }
