@@ -373,7 +373,11 @@ const std::vector<Kind> kinds{
          model.sincePress += shortPause;
          click(model, input);
      }},
-    {"late click of Continue", Anywhere, [](auto& desk, auto&) { emit desk.widgetOf(Continue)->clicked(); },
+    {"posted click of Continue", Anywhere,
+     [](auto& desk, auto&) {
+         QMetaObject::invokeMethod(
+             desk.widgetOf(Continue), [&] { emit desk.widgetOf(Continue)->clicked(); }, Qt::QueuedConnection);
+     },
      [](auto& model, auto&) { model.press(Continue); }},
     {"mnemonic of BUTTON", Anywhere,
      [](auto& desk, auto& input) { desk.press(desk.widgetOf(input.button)->shortcut()[0]); }, pressMnemonic},
