@@ -1,5 +1,6 @@
 // Whatever way the user takes, an input has its whole effect or none: random sequences of inputs by mouse,
-// keys, mnemonics, input method, drop or an assistive program, on the real window and page, against a model.
+// keys, mnemonics, wheel, drop, input method or an assistive program, on the real window and page, against a
+// model.
 //
 // RC_PARAMS="max_success=1000 max_size=200" runs more of them; "reproduce=..." repeats a failure.
 
@@ -24,13 +25,14 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QMimeData>
-#include <QScopedValueRollback>
+#include <QRadioButton>
 #include <QTest>
 #include <QTimer>
 
 #include <rapidcheck.h>
 #include <rapidcheck/state.h>
 
+#include <algorithm>
 #include <atomic>
 
 namespace {
@@ -92,27 +94,9 @@ struct Desk {
     Q_DISABLE_COPY_MOVE(Desk)
     ~Desk() { beep = &QApplication::beep; }
 
-    [[nodiscard]] QAbstractButton* widgetOf(Button button) const {
-        const auto buttonsIn = [](const QWidget* control) {
-            return control->findChildren<QAbstractButton*>();
-        };
-        const QList<QAbstractButton*> others{page->RefreshButton(), window.findChild<QPushButton*>(u"back"_s),
-                                             window.findChild<QPushButton*>(u"next"_s)};
-        return (buttonsIn(page->radiobtnPrinterType()) + buttonsIn(page->radiobtnPrinterModel()) + others)
-            .at(button);
-    }
-
-    /// Gives a control the focus. False if it can't have it.
-    bool focus(QWidget* control) {
-        if (control->isVisible()) {
-            control->setFocus();
-        }
-        return control->isVisible() && control->hasFocus();
-    }
-
     /// Clicks where a button is. The release has not been handled when this returns.
     void click(Button button) {
-        const QWidget* const widget = widgetOf(button);
+        const QWidget* const widget = buttons.at(button);
         const QPoint place = widget->mapTo(&window, QPoint(8, widget->height() / 2));
         const auto send = [&](QEvent::Type type, Qt::MouseButton pressed) {
             qt_handleMouseEvent(window.windowHandle(), place, window.mapToGlobal(place), pressed,
@@ -125,8 +109,8 @@ struct Desk {
         }
     }
 
-    /// Presses a key, wherever the focus is; held down, it repeats once.
-    void press(QKeyCombination key, bool isHeld = false) {
+    /// Presses a key, wherever the focus is, and holds it down until it repeats.
+    void press(QKeyCombination key) {
         const auto time = static_cast<quint64>(QTest::lastMouseTimestamp);
         const auto send = [&](QEvent::Type type, bool isRepeat) {
             QWidget* const target = window.focusWidget() != nullptr ? window.focusWidget() : &window;
@@ -140,54 +124,24 @@ struct Desk {
             }
         };
         send(QEvent::KeyPress, false);
-        if (isHeld) {
-            send(QEvent::KeyPress, true);
-        }
+        send(QEvent::KeyPress, true);
         send(QEvent::KeyRelease, false);
     }
 
-    static void assist(QWidget* control, const QString& action) {
-        QAccessible::queryAccessibleInterface(control)->actionInterface()->doAction(action);
-    }
-    void assist(Button button) const {
-        assist(widgetOf(button), button < Refresh ? QAccessibleActionInterface::toggleAction()
-                                                  : QAccessibleActionInterface::pressAction());
+    static void assist(QWidget* control) {
+        const bool isRadio = qobject_cast<QRadioButton*>(control) != nullptr;
+        QAccessible::queryAccessibleInterface(control)->actionInterface()->doAction(
+            isRadio ? QAccessibleActionInterface::toggleAction() : QAccessibleActionInterface::pressAction());
     }
     [[nodiscard]] QAccessibleEditableTextInterface* assistiveText() const {
         return QAccessible::queryAccessibleInterface(field)->editableTextInterface();
     }
-    [[nodiscard]] int length() const { return static_cast<int>(field->text().size()); }
 
-    void turnWheel() const {
-        const QPointF middle = list->rect().center();
-        QWheelEvent event(middle, list->mapToGlobal(middle), {}, {0, -120}, {}, {}, Qt::NoScrollPhase, false);
-        QSpontaneKeyEvent::setSpontaneous(&event);  // Only those may take the focus.
-        if (list->isVisible()) {
-            qApp->notify(list, &event);
-        }
-    }
-
-    /// Chooses the last item in the list's popup, if it is open.
-    void chooseLast() const {
+    void chooseLastByAssistance() const {
+        assist(list);
         if (list->view()->isVisible()) {
             QTest::keyClick(list->view(), Qt::Key_End);
             QTest::keyClick(list->view(), Qt::Key_Return);
-        }
-    }
-    void chooseLastByAssistance() const {
-        assist(list, QAccessibleActionInterface::showMenuAction());
-        chooseLast();
-    }
-
-    void drop(const QString& text) const {
-        QMimeData data;
-        data.setText(text);
-        const QPoint end = field->rect().bottomRight();
-        QDragEnterEvent enter(end, Qt::CopyAction, &data, Qt::LeftButton, {});
-        QDropEvent event(end, Qt::CopyAction, &data, Qt::LeftButton, {});
-        if (field->isVisible() && field->isEnabled()) {
-            QApplication::sendEvent(field, &enter);
-            QApplication::sendEvent(field, &event);
         }
     }
 
@@ -196,10 +150,6 @@ struct Desk {
         QInputMethodEvent event(preedit, {});
         event.setCommitString(text, -replaced, replaced);
         QApplication::sendEvent(field, &event);
-    }
-    void composeOverAll() const {
-        field->selectAll();
-        compose(u"preedit"_s, {});
     }
 
     /// Waits until the page has come to rest: no search, or one that waits for endSearch().
@@ -254,8 +204,14 @@ struct Desk {
             texts += button->text();
         }
         effects += takeLog(home) + QStringList{texts.join(u'|')};
-        actBehindAlert();
-        const QScopedValueRollback clock(QTest::lastMouseTimestamp);  // The input goes on at its own time.
+        // Neither an assistive program nor a late click may change anything behind it.
+        if (!std::exchange(isBehindAlert, true)) {
+            std::for_each(buttons.begin(), buttons.end(), assist);
+            emit buttons.at(Continue)->clicked();
+            assistiveText()->insertText(0, u"9"_s);
+            chooseLastByAssistance();
+        }  // Otherwise one alert has opened another.
+        isBehindAlert = false;
         if (++closedAlerts % 3 == 0) {
             QTest::mouseClick(alert->buttons().constFirst(), Qt::LeftButton);
         } else {
@@ -263,25 +219,12 @@ struct Desk {
         }
     }
 
-    /// Neither an assistive program nor a late click may change anything behind an alert.
-    void actBehindAlert() {
-        if (std::exchange(isBehindAlert, true)) {
-            return;  // One alert has opened another.
-        }
-        for (int button = Directly; button <= Continue; ++button) {
-            assist(static_cast<Button>(button));
-        }
-        emit widgetOf(Continue)->clicked();
-        assistiveText()->insertText(0, u"9"_s);
-        chooseLastByAssistance();
-        isBehindAlert = false;
-    }
-
     const TemporaryHome& home;
     NetworkPrinterConfigPane* const page = new NetworkPrinterConfigPane;
     ComboBox* const list = page->PrinterIP();
     TextField* const field = page->IPAddressText();
     InstallerWindow window{{new IntroductionPane(QString()), page, new SummaryPane}};
+    const QList<QAbstractButton*> buttons = window.findChildren<QAbstractButton*>();  // as in Button
     QStringList effects;  // records, alerts and beeps, in order
     int closedAlerts = 0;
     bool isBehindAlert = false;
@@ -314,8 +257,12 @@ struct Input : rc::state::Command<PageModel, Desk> {
 
     void run(const PageModel& before, Desk& desk) const override {
         QTest::lastMouseTimestamp += pause;
-        QWidget* const controls[]{nullptr, desk.widgetOf(button), desk.list, desk.field, nullptr};
-        if (controls[kind.need] == nullptr || desk.focus(controls[kind.need])) {
+        QWidget* const controls[]{nullptr, desk.buttons.at(button), desk.list, desk.field, nullptr};
+        QWidget* const control = controls[kind.need];
+        if (control != nullptr && control->isVisible()) {
+            control->setFocus();
+        }
+        if (control == nullptr || control->hasFocus()) {
             kind.send(desk, *this);
         }
         desk.settle();
@@ -323,8 +270,8 @@ struct Input : rc::state::Command<PageModel, Desk> {
     }
 
     void show(std::ostream& out) const override {
-        static const QStringList names{u"Directly"_s, u"Network"_s, u"KV210"_s,   u"KV260"_s,   u"KV410"_s,
-                                       u"KV460"_s,    u"Refresh"_s, u"Go Back"_s, u"Continue"_s};
+        static const QStringList names{u"Directly"_s, u"Network"_s, u"Refresh"_s, u"KV210"_s,   u"KV260"_s,
+                                       u"KV410"_s,    u"KV460"_s,   u"Go Back"_s, u"Continue"_s};
         out << (pause == shortPause ? "at once: " : "")
             << QString::fromLatin1(kind.name)
                    .replace(u"BUTTON"_s, names.at(button))
@@ -344,15 +291,6 @@ void nothing(PageModel&, const Input&) {}
 void click(PageModel& model, const Input& input) {
     model.press(input.button, Qt::Key_unknown);
 }
-void pressMnemonic(PageModel& model, const Input& input) {
-    model.press(input.button, input.button == GoBack ? Qt::Key_B : Qt::Key_C);
-}
-void selectNext(PageModel& model, const Input&) {
-    model.select(model.selected + 1);
-}
-void selectLast(PageModel& model, const Input&) {
-    model.select(model.items.size() - 1);
-}
 void append(PageModel& model, const Input& input) {
     model.edit(model.address + input.text);
 }
@@ -362,93 +300,81 @@ void replace(PageModel& model, const Input& input) {
 
 const std::vector<Kind> kinds{
     {"click BUTTON", Anywhere, [](auto& desk, auto& input) { desk.click(input.button); }, click},
-    {"double click BUTTON", Anywhere,
-     [](auto& desk, auto& input) {
-         desk.click(input.button);
-         QTest::lastMouseTimestamp += shortPause;
-         desk.click(input.button);
-     },
-     [](auto& model, auto& input) {
-         click(model, input);
-         model.sincePress += shortPause;
-         click(model, input);
-     }},
     {"posted click of Continue", Anywhere,
      [](auto& desk, auto&) {
+         auto* const button = desk.buttons.at(Continue);
          QMetaObject::invokeMethod(
-             desk.widgetOf(Continue), [&] { emit desk.widgetOf(Continue)->clicked(); }, Qt::QueuedConnection);
+             button, [=] { emit button->clicked(); }, Qt::QueuedConnection);
      },
      [](auto& model, auto&) { model.press(Continue); }},
     {"mnemonic of BUTTON", Anywhere,
-     [](auto& desk, auto& input) { desk.press(desk.widgetOf(input.button)->shortcut()[0]); }, pressMnemonic},
-    {"mnemonic of BUTTON held down", Anywhere,
-     [](auto& desk, auto& input) { desk.press(desk.widgetOf(input.button)->shortcut()[0], true); },
-     pressMnemonic},
-    {"Return held down", Anywhere, [](auto& desk, auto&) { desk.press(Qt::Key_Return, true); },
+     [](auto& desk, auto& input) { desk.press(desk.buttons.at(input.button)->shortcut()[0]); },
+     [](auto& model, auto& input) {
+         model.press(input.button, input.button == GoBack ? Qt::Key_B : Qt::Key_C);
+     }},
+    {"Return", Anywhere, [](auto& desk, auto&) { desk.press(Qt::Key_Return); },
      [](auto& model, auto&) { model.press(Continue, Qt::Key_Return); }},
     {"Space on BUTTON", OnButton, [](auto& desk, auto&) { desk.press(Qt::Key_Space); },
      [](auto& model, auto& input) { model.press(input.button, Qt::Key_Space); }},
-    {"assistive press of BUTTON", Anywhere, [](auto& desk, auto& input) { desk.assist(input.button); },
+    {"assistive press of BUTTON", Anywhere,
+     [](auto& desk, auto& input) { desk.assist(desk.buttons.at(input.button)); },
      [](auto& model, auto& input) {
          if (input.button != model.type) {  // To toggle what is selected does nothing.
              model.press(input.button);
          }
      }},
-    {"Down in the list", OnList, [](auto& desk, auto&) { desk.press(Qt::Key_Down); }, selectNext},
-    {"Up in the list", OnList, [](auto& desk, auto&) { desk.press(Qt::Key_Up); },
+    {"Up in the list", OnList, [](auto& desk, auto&) { QTest::keyClick(desk.list, Qt::Key_Up); },
      [](auto& model, auto&) { model.select(model.selected - 1); }},
-    {"End in the list", OnList, [](auto& desk, auto&) { desk.press(Qt::Key_End); }, selectLast},
-    {"wheel on the list", OnList, [](auto& desk, auto&) { desk.turnWheel(); }, selectNext},
-    {"wheel on the list without the focus", Anywhere,
+    {"last in the list's popup by assistance", Anywhere,
+     [](auto& desk, auto&) { desk.chooseLastByAssistance(); },
+     [](auto& model, auto&) { model.select(model.items.size() - 1); }},
+    {"wheel on the list, the focus on BUTTON", OnButton,
      [](auto& desk, auto&) {
-         desk.focus(desk.widgetOf(Continue));
-         desk.turnWheel();
+         const QPointF middle = desk.list->rect().center();
+         QWheelEvent event(middle, desk.list->mapToGlobal(middle), {}, {0, -120}, {}, {}, Qt::NoScrollPhase,
+                           false);
+         QSpontaneKeyEvent::setSpontaneous(&event);  // Only those may take the focus.
+         qApp->notify(desk.list, &event);
      },
      nothing},
-    {"last in the popup", OnList,
-     [](auto& desk, auto&) {
-         desk.press(Qt::Key_F4);
-         desk.chooseLast();
-     },
-     selectLast},
-    {"last in the popup by assistance", Anywhere, [](auto& desk, auto&) { desk.chooseLastByAssistance(); },
-     selectLast},
     {"type TEXT", OnField,
      [](auto& desk, auto& input) {
          desk.field->end(false);
-         for (const QChar character : input.text) {
-             QTest::sendKeyEvent(QTest::Click, desk.field, Qt::Key_unknown, QString(character), {});
-         }
+         QTest::sendKeyEvent(QTest::Click, desk.field, Qt::Key_unknown, input.text, {});
      },
-     [](auto& model, auto& input) {
-         for (const QChar character : input.text) {
-             model.edit(model.address + character);
-         }
-     }},
+     append},
     {"paste TEXT over all", OnField,
      [](auto& desk, auto& input) {
          QApplication::clipboard()->setText(input.text);
          desk.field->selectAll();
-         QTest::keySequence(desk.field, QKeySequence::Paste);
+         desk.field->paste();
      },
      replace},
-    {"drop TEXT at the end", Anywhere, [](auto& desk, auto& input) { desk.drop(input.text); }, append},
+    {"drop TEXT at the end", Anywhere,
+     [](auto& desk, auto& input) {
+         QMimeData data;
+         data.setText(input.text);
+         const QPoint end = desk.field->rect().bottomRight();
+         QDragEnterEvent enter(end, Qt::CopyAction, &data, Qt::LeftButton, {});
+         QDropEvent drop(end, Qt::CopyAction, &data, Qt::LeftButton, {});
+         if (desk.field->isVisible() && desk.field->isEnabled()) {
+             QApplication::sendEvent(desk.field, &enter);
+             QApplication::sendEvent(desk.field, &drop);
+         }
+     },
+     append},
     {"compose TEXT over all", OnField,
      [](auto& desk, auto& input) {
-         desk.composeOverAll();
+         desk.field->selectAll();
+         desk.compose(u"preedit"_s, {});
          desk.compose({}, input.text);
      },
      replace},
-    {"compose over all and give up", OnField,
-     [](auto& desk, auto&) {
-         desk.composeOverAll();
-         desk.compose({}, {});
-     },
-     nothing},
     {"compose over all, press Refresh by assistance and give up", OnField,
      [](auto& desk, auto&) {
-         desk.composeOverAll();
-         desk.assist(Refresh);
+         desk.field->selectAll();
+         desk.compose(u"preedit"_s, {});
+         desk.assist(desk.page->RefreshButton());
          desk.settle();
          desk.compose({}, {});
      },
@@ -462,20 +388,14 @@ const std::vector<Kind> kinds{
          desk.field->end(false);
          desk.compose({}, {}, 1);
      },
-     [](auto& model, auto&) {
-         if (!model.address.isEmpty()) {
-             model.edit(model.address.chopped(1));
-         }
-     }},
+     [](auto& model, auto&) { model.edit(model.address.left(model.address.size() - 1)); }},
     {"insert TEXT by assistance", Anywhere,
-     [](auto& desk, auto& input) { desk.assistiveText()->insertText(desk.length(), input.text); }, append},
-    {"delete all by assistance", Anywhere,
-     [](auto& desk, auto&) { desk.assistiveText()->deleteText(0, desk.length()); },
-     [](auto& model, auto&) {
-         if (!model.address.isEmpty()) {
-             model.edit({});
-         }
-     }},
+     [](auto& desk, auto& input) {
+         desk.assistiveText()->insertText(static_cast<int>(desk.field->text().size()), input.text);
+     },
+     append},
+    {"delete all by assistance", Anywhere, [](auto& desk, auto&) { desk.assistiveText()->deleteText(0, 15); },
+     [](auto& model, auto&) { model.edit({}); }},
     // Not by the user.
     {"queue installed or removed", Anywhere, [](auto&, auto&) { isQueueInstalled = !isQueueInstalled; },
      [](auto& model, auto&) { model.isInstalled = !model.isInstalled; }},
@@ -488,24 +408,21 @@ const std::vector<Kind> kinds{
 };
 
 /// Leads mostly from the other pages to this one, and one time in four from a search to its end.
-std::shared_ptr<const Input::CommandType> anyInput(qsizetype step, bool isInSearch) {
+std::shared_ptr<const Input::CommandType> anyInput(const PageModel& model) {
     auto input = std::make_shared<Input>();
     input->kind = *rc::gen::sizedElementOf(kinds);
     input->button = static_cast<Button>(*rc::gen::inRange<int>(Directly, Continue + 1));
     input->pause = *rc::gen::sizedElement(doubleClickInterval, shortPause);
     input->text = *rc::gen::sizedElement(u"1"_s, u"10.0.0.5"_s, u"192.168.1.40"_s, u"a"_s, u"..256"_s,
                                          u"1.2.3.4 "_s, u"255.255.255.2555"_s, u"\u0661"_s);
-    for (const QString& printer : {u"Tovik KV210 @10.0.0.4"_s, u"Tovik KV260 @10.0.0.5"_s,
-                                   u"Tovik KV410 @10.0.0.7"_s, u"Tovik KV460 @10.0.0.50"_s}) {
-        if (*rc::gen::arbitrary<bool>()) {
-            input->printers += printer;
-        }
-    }
+    static const QStringList printers{u"Tovik KV210 @10.0.0.4"_s, u"Tovik KV260 @10.0.0.5"_s,
+                                      u"Tovik KV410 @10.0.0.7"_s, u"Tovik KV460 @10.0.0.50"_s};
+    input->printers = printers.mid(*rc::gen::inRange(0, 5));
     const int chance = *rc::gen::inRange(0, 4);
-    if (chance > 0 && step != PageModel::Page) {
+    if (chance > 0 && model.step != PageModel::Page) {
         input->kind = kinds.front();
-        input->button = step == PageModel::Introduction ? Continue : GoBack;
-    } else if (chance == 0 && isInSearch) {
+        input->button = model.step == PageModel::Introduction ? Continue : GoBack;
+    } else if (chance == 0 && model.isSearching) {
         input->kind = kinds.back();
     }
     return input;
@@ -528,10 +445,7 @@ class TestInputPaths : public QObject {
             Desk desk(home);
             rc::state::check(PageModel(), desk, [](const PageModel& model) {
                 // The nominal size, so that all values occur from the first test on.
-                return rc::gen::resize(rc::kNominalSize,
-                                       rc::gen::exec([step = model.step, isInSearch = model.isSearching] {
-                                           return anyInput(step, isInSearch);
-                                       }));
+                return rc::gen::resize(rc::kNominalSize, rc::gen::exec([model] { return anyInput(model); }));
             });
         }));
     }

@@ -7,12 +7,13 @@
 #include <QRegularExpression>
 #include <QStringList>
 
-#include <algorithm>
+#include <arpa/inet.h>
+
 #include <optional>
 
 using namespace Qt::StringLiterals;
 
-enum Button { Directly, Network, Kv210, Kv260, Kv410, Kv460, Refresh, GoBack, Continue };
+enum Button { Directly, Network, Refresh, Kv210, Kv260, Kv410, Kv460, GoBack, Continue };
 
 constexpr int doubleClickInterval = 400;  // ms
 constexpr int shortPause = 100;
@@ -62,7 +63,9 @@ struct PageModel {
         if (button == Continue && isCounted(key)) {
             goForward();
         } else if (button == GoBack && step > Introduction && isCounted(key)) {
-            goBack();
+            --step;
+            log(step == Introduction ? u"shouldExitPane|shouldExitPane  :: Return"_s
+                                     : u"didEnterPane|Return from didEnterPane"_s);
         } else if (button == Refresh && isFormShown()) {
             log(u"RefreshButtonClicked"_s);
             startSearch();
@@ -82,7 +85,7 @@ struct PageModel {
     /// The user wants the address field to hold `text`.
     void edit(const QString& text) {
         static const QRegularExpression allowed(u"^[0-9.]{0,15}$"_s);
-        if (!isAddressFree()) {
+        if (!isAddressFree() || text == address) {
             return;
         }
         if (allowed.match(text).hasMatch()) {
@@ -96,9 +99,7 @@ struct PageModel {
     void endSearch(const QStringList& printers) {
         items = QStringList{manualEntry} + printers;
         log(u"After GetTovikQuazelPrinters|Total Printer Count is %1"_s.arg(items.size()));
-        for (const QString& item : items) {
-            log(u"Found an Item: %1|"_s.arg(item));
-        }
+        log(u"Found an Item: "_s + items.join(u"||Found an Item: "_s) + u'|');
         didSelect(0);
         isSearching = false;
     }
@@ -196,20 +197,6 @@ struct PageModel {
         log(u"Return from didEnterPane"_s);
     }
 
-    void goBack() {
-        --step;
-        log(step == Introduction ? u"shouldExitPane|shouldExitPane  :: Return"_s
-                                 : u"didEnterPane|Return from didEnterPane"_s);
-    }
-
-    /// Of an address that could be typed.
-    [[nodiscard]] bool isAddressValid() const {
-        const QStringList parts = address.split(u'.');
-        return parts.size() == 4 && std::all_of(parts.begin(), parts.end(), [](const QString& part) {
-                   return !part.isEmpty() && part.size() <= 3 && part.toInt() <= 255;
-               });
-    }
-
     [[nodiscard]] bool decide() {
         log(u"Row Value is Here|Line No 981| Value is Here %1|Line No 989| Value IP is Here %2"_s.arg(
             item(), address));
@@ -219,7 +206,8 @@ struct PageModel {
                           {u"Line No 1007"_s});
         }
         log(u"Line No 1014"_s);
-        if (!isAddressValid()) {
+        in_addr parsed{};
+        if (::inet_pton(AF_INET, qPrintable(address), &parsed) != 1) {
             address.clear();
             effects += u"beep"_s;
             return refuse(u"Invalid IP"_s, {u"Line No 1026"_s});
