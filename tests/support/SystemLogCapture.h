@@ -2,46 +2,31 @@
 
 #pragma once
 
-#include "support/Fixtures.h"
+#include <QStringList>
 
-#include <QFile>
-#include <QTemporaryDir>
+#include <utility>
 
-#include <cstdio>
-
-/// Catches the lines of the category "quazel.page" as long as it lives, in a file, so that the lines of a
-/// forked child count too. One at a time, made after the test has begun, as Qt Test has a handler of its own.
+/// Catches the lines of the category "quazel.page" as long as it lives. One at a time, made after the test
+/// has begun, as Qt Test has a handler of its own.
 class SystemLogCapture {
   public:
-    SystemLogCapture() {
-        file_ = folder_.filePath(QStringLiteral("system-log"));
-        previous_ = qInstallMessageHandler(append);
-    }
+    SystemLogCapture() { previous_ = qInstallMessageHandler(append); }
     SystemLogCapture(const SystemLogCapture&) = delete;
     SystemLogCapture& operator=(const SystemLogCapture&) = delete;
     ~SystemLogCapture() { qInstallMessageHandler(previous_); }
 
     /// The lines since the last call.
-    [[nodiscard]] QStringList take() {
-        QStringList lines = QString::fromUtf8(contentOf(file_)).split(QLatin1Char('\n'));
-        lines.removeLast();
-        QFile::remove(file_);
-        return lines;
-    }
+    [[nodiscard]] QStringList take() { return std::exchange(lines_, {}); }
 
   private:
     static void append(QtMsgType type, const QMessageLogContext& context, const QString& message) {
-        if (qstrcmp(context.category, "quazel.page") != 0) {
+        if (qstrcmp(context.category, "quazel.page") == 0) {
+            lines_ += message.split(QLatin1Char('\n'));
+        } else {
             previous_(type, context, message);
-            return;
-        }
-        QFile file(file_);
-        if (!file.open(QIODevice::Append) || file.write(message.toUtf8() + '\n') < 0) {
-            std::abort();
         }
     }
 
-    static inline QString file_;
+    static inline QStringList lines_;
     static inline QtMessageHandler previous_ = nullptr;
-    QTemporaryDir folder_;
 };
