@@ -39,22 +39,10 @@ qsizetype countIn(const QString& folder) {
     return QDir(folder).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size();
 }
 
-/// The main thread and the discovery's, by the program's name; Qt starts and names others as it likes.
-qsizetype threads() {
-    qsizetype count = 0;
-    for (const QString& thread : QDir(u"/proc/self/task"_s).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-        count += contentOf(u"/proc/self/task/%1/comm"_s.arg(thread)) == contentOf(u"/proc/self/comm"_s);
-    }
-    return count;
-}
-
 /// Waits for a record, and a moment longer, so that what follows it is under way.
-void waitForRecord(const QString& log, const QString& record, bool handlingEvents = false) {
+void waitForRecord(const QString& log, const QString& record) {
     for (const QDeadlineTimer limit(20'000); !contentOf(log).contains(record.toUtf8()); QTest::qSleep(5)) {
         QVERIFY2(!limit.hasExpired(), qPrintable(record));
-        if (handlingEvents) {
-            QCoreApplication::processEvents();
-        }
     }
     QTest::qSleep(50);
 }
@@ -67,31 +55,22 @@ class TestLeaving : public QObject {
   private slots:
     void initTestCase() { QLoggingCategory::setFilterRules(u"quazel.page=false"_s); }
 
-    void leaves_data() {
-        QTest::addColumn<bool>("isProgram");
-        QTest::addColumn<QString>("record");  // The point of the discovery.
-        for (const QString& record : {firstTask, firstProbe, firstQuestion, lastTask}) {
-            QTest::addRow("window: %s", qPrintable(record.simplified())) << false << record;
-            QTest::addRow("program: %s", qPrintable(record.simplified())) << true << record;
-        }
-    }
     void leaves() {
-        QFETCH(bool, isProgram);
-        QFETCH(QString, record);
-        QStringList silent;
-        for (int host = 9; record != lastTask && host < 15; ++host) {
-            silent += u"10.0.0.%1 silent"_s.arg(host);
+        const VirtualPrinters printers({u"10.0.0.9 silent"_s, u"10.0.0.10 silent"_s});
+        for (const QString& record : {firstTask, firstProbe, firstQuestion, lastTask}) {
+            for (const bool isProgram : {false, true}) {
+                isProgram ? leaveProgram(record) : leaveWindow(record);
+                const qint64 elapsed = clock_.elapsed();
+                QVERIFY2(elapsed < 2500,
+                         qPrintable(u"%1%2: %3 ms"_s.arg(record).arg(isProgram).arg(elapsed)));
+            }
         }
-        const VirtualPrinters printers(silent);
-        isProgram ? leaveProgram(record) : leaveWindow(record);
-        QVERIFY2(clock_.elapsed() < 2500, qPrintable(u"%1 ms"_s.arg(clock_.elapsed())));
     }
 
     void manyDiscoveriesLeaveNothingBehind() {
         Timeout = 0;
         NetworkPrinterConfigPane pane;
         pane.awakeFromNib();
-        const qsizetype threadsBefore = threads();
         const auto refresh = [&pane](int times) {
             for (int count = 0; count < times; ++count) {
                 pane.RefreshButton()->click();
@@ -101,10 +80,11 @@ class TestLeaving : public QObject {
             }
         };
         refresh(20);  // What is made once.
+        const qsizetype threads = countIn(u"/proc/self/task"_s);
         const qsizetype descriptors = countIn(u"/proc/self/fd"_s);
         const qint64 bytes = allocatedBytes();
         refresh(200);
-        QTRY_COMPARE(threads(), threadsBefore);
+        QTRY_VERIFY(countIn(u"/proc/self/task"_s) <= threads);  // Qt may end one of its own.
         QCOMPARE(countIn(u"/proc/self/fd"_s), descriptors);
         const qint64 growth = allocatedBytes() - bytes;
         QVERIFY2(growth < 200 * 32, qPrintable(u"%1 bytes"_s.arg(growth)));  // Less than any leak.
@@ -122,7 +102,7 @@ class TestLeaving : public QObject {
         QTest::mouseClick(page->radiobtnPrinterType()->cellAt(1, 0), Qt::LeftButton, {}, QPoint(5, 5));
         waitForRecord(home_.log(), firstTask);
         if (record != firstTask) {
-            waitForRecord(home_.log(), search, true);
+            QTRY_VERIFY(contentOf(home_.log()).contains(search.toUtf8()));
             waitForRecord(home_.log(), record);
         }
         clock_.start();
@@ -135,14 +115,9 @@ class TestLeaving : public QObject {
     }
 
     void leaveProgram(const QString& record) {
-        const QTemporaryDir home;
-        const QString plugins = home.filePath(u"plugins"_s);
-        QDir().mkdir(plugins);
-        QFile::link(QStringLiteral(QUAZEL_PAGE_PLUGIN), plugins + u"/page.so"_s);
-        QFile::link(QStringLiteral(QUAZEL_USER_PLUGIN), plugins + u"/user.so"_s);
-        SpawnedProgram program(u"env HOME=%1 "_s.arg(home.path()) +
-                               u"" QUAZEL_BIN_DIR "/quazel-installer --plugins "_s + plugins);
-        waitForRecord(home.filePath(u"Documents/QzInstall.log"_s), record);
+        (void)takeLog(home_);
+        SpawnedProgram program(QStringLiteral(QUAZEL_BIN_DIR "/quazel-installer --plugins " QUAZEL_PLUGINS));
+        waitForRecord(home_.log(), record);
         clock_.start();
         QCOMPARE(program.end(), 0);
     }

@@ -11,12 +11,6 @@
 
 #include <cstdio>
 
-#ifdef QUAZEL_NETWORK_TEST
-inline constexpr bool needsPrivateNetwork = true;
-#else
-inline constexpr bool needsPrivateNetwork = false;
-#endif
-
 /// Whether tools/private-network runs this, with its bridge; and there is no other interface, so that no
 /// probe can leave the machine.
 inline bool hasPrivateNetwork() {
@@ -31,7 +25,7 @@ inline bool hasPrivateNetwork() {
 
 template <class Test, class Application>
 int runTest(int argc, char** argv) {
-    if (needsPrivateNetwork && !hasPrivateNetwork()) {
+    if (NEEDS_PRIVATE_NETWORK && !hasPrivateNetwork()) {
         std::puts("SKIPPED: needs a network of its own (tools/private-network --bridge)");
         return 77;  // By which ctest knows a skipped test.
     }
