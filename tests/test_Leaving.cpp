@@ -119,7 +119,7 @@ class TestLeaving : public QObject {
         SpawnedProgram program(QStringLiteral(QUAZEL_BIN_DIR "/quazel-installer --plugins " QUAZEL_PLUGINS));
         waitForRecord(home_.log(), record);
         clock_.start();
-        QCOMPARE(program.end(), 0);
+        QCOMPARE(program.end(SIGTERM), 0);
     }
 
     TemporaryHome home_;

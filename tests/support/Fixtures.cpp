@@ -5,8 +5,6 @@
 #include <QDir>
 #include <QFile>
 
-#include <sys/wait.h>
-
 #include <array>
 #include <utility>
 
@@ -15,10 +13,8 @@ using namespace Qt::StringLiterals;
 TemporaryHome::TemporaryHome() {
     QDir(path()).mkpath(u"Documents"_s);
     qputenv("HOME", path().toUtf8());
-    for (const char* const name :
-         {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_DOCUMENTS_DIR"}) {
-        qunsetenv(name);
-    }
+    qunsetenv("XDG_CONFIG_HOME");
+    qunsetenv("XDG_DOCUMENTS_DIR");
 }
 
 QByteArray contentOf(const QString& path) {
@@ -38,11 +34,8 @@ QStringList takeLog(const TemporaryHome& home) {
     QString text = u'\n' + QString::fromUtf8(contentOf(home.log()));
     text.replace(u"\n" QUAZEL_BUILD_DATE "\t"_s, u"\n"_s);
     QFile::remove(home.log());
-    QStringList lines = text.split(u'\n').mid(1);
-    if (lines.last().isEmpty()) {
-        lines.removeLast();  // The last record's own line end.
-    }
-    return lines;
+    text.chop(text.endsWith(u'\n') ? 1 : 0);  // The last record's own line end.
+    return text.split(u'\n').mid(1);
 }
 
 SpawnedProgram::SpawnedProgram(const QString& command)
@@ -59,9 +52,7 @@ int SpawnedProgram::end(int signal) {
         return -1;
     }
     send(signal);
-    send(SIGCONT);  // A stopped program would not get it.
-    const int status = ::pclose(std::exchange(output_, nullptr));
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return ::pclose(std::exchange(output_, nullptr));
 }
 
 VirtualPrinters::VirtualPrinters(const QStringList& lines)

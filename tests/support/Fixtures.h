@@ -31,9 +31,8 @@ class TemporaryHome {
 /// Returns the path.
 QString writeFile(const QString& path, const QByteArray& content);
 
-/// The messages of the diagnostic log: its lines without the build date and tab, which every line that has
-/// them must have in the exact form. Continuation lines of a message are lines of their own. Empties the log,
-/// so that the next call gives what came since.
+/// The messages of the diagnostic log since the last call, without the build date and tab before each.
+/// Continuation lines of a message are lines of their own.
 [[nodiscard]] QStringList takeLog(const TemporaryHome& home);
 
 /// A program in a process of its own. Ends with this object, and with the test should that die. Not a
@@ -45,15 +44,15 @@ class SpawnedProgram {
     explicit SpawnedProgram(const QString& command);
     SpawnedProgram(const SpawnedProgram&) = delete;
     SpawnedProgram& operator=(const SpawnedProgram&) = delete;
-    ~SpawnedProgram() { end(); }
+    ~SpawnedProgram() { end(SIGKILL); }
 
     /// The next line of its standard output, waited for; empty at the end.
     [[nodiscard]] QByteArray readLine();
 
     void send(int signal) const { ::kill(pid_, signal); }
 
-    /// Sends the signal and waits for the end. Exit status, or -1 when it ends by a signal.
-    int end(int signal = SIGTERM);
+    /// Sends the signal and waits for the end; 0 when the program exits with that status.
+    int end(int signal);
 
   private:
     FILE* output_;  // null once it has ended
@@ -63,7 +62,7 @@ class SpawnedProgram {
 /// A subnet of printers in a process of its own; needs a network of its own. Ends with this object.
 class VirtualPrinters {
   public:
-    /// Lines as the tool takes them, such as "10.0.0.5 answers MFG:...". Returns when all listen.
+    /// Lines as the tool takes them. Returns when all listen.
     explicit VirtualPrinters(const QStringList& lines);
 
   private:
