@@ -10,8 +10,7 @@ include($1)
 add_executable(dated dated.cpp)
 target_link_libraries(dated PRIVATE quazel_build_date)
 END
-echo '#include "BuildDate.h"' >dated.cpp
-echo 'int main() { return __builtin_puts(QUAZEL_BUILD_DATE) < 0; }' >>dated.cpp
+printf '#include "BuildDate.h"\nint main() { return __builtin_puts(QUAZEL_BUILD_DATE) < 0; }' >dated.cpp
 cmake -G Ninja -S . -B build
 build() { SOURCE_DATE_EPOCH=$1 cmake --build build && build/dated; }
 expect 0 $'\nNov 4 2023' build 1699056000

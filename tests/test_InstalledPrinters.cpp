@@ -3,7 +3,6 @@
 
 #include "discovery/InstalledPrinters.h"
 #include "support/Fixtures.h"
-#include "support/TestMain.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -16,8 +15,6 @@
 #include <csignal>
 #include <functional>
 #include <thread>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

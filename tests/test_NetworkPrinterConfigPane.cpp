@@ -6,22 +6,17 @@
 #include "NetworkPrinterConfig/Translations.h"
 #include "discovery/PrinterDiscovery.h"
 #include "support/Fixtures.h"
-#include "support/SystemLogCapture.h"
-#include "support/TestMain.h"
 
 #include <QAbstractButton>
 #include <QAccessible>
 #include <QApplication>
 #include <QImage>
-#include <QTest>
 #include <QTimer>
 #include <QTranslator>
 
 #include <pthread.h>
 
 #include <algorithm>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -135,15 +130,13 @@ class TestNetworkPrinterConfigPane : public QObject {
     }
 
     void endsAtOnceWithoutAThread() {
-        pthread_attr_t attributes;
-        std::size_t stackSize = 0;
-        ::pthread_getattr_default_np(&attributes);
-        ::pthread_attr_getstacksize(&attributes, &stackSize);
-        ::pthread_attr_setstacksize(&attributes, std::size_t(1) << 60);  // More than there are addresses.
-        ::pthread_setattr_default_np(&attributes);
+        pthread_attr_t usual;
+        ::pthread_getattr_default_np(&usual);
+        pthread_attr_t huge = usual;
+        ::pthread_attr_setstacksize(&huge, std::size_t(1) << 60);  // More than there are addresses.
+        ::pthread_setattr_default_np(&huge);
         QTest::mouseClick(pane_->RefreshButton(), Qt::LeftButton);
-        ::pthread_attr_setstacksize(&attributes, stackSize);
-        ::pthread_setattr_default_np(&attributes);
+        ::pthread_setattr_default_np(&usual);
         QVERIFY(pane_->isNextEnabled() && pane_->RefreshButton()->isEnabled());
         QCOMPARE(pane_->PrinterIP()->count(), 1);
         QTest::mouseClick(pane_->RefreshButton(), Qt::LeftButton);

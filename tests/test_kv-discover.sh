@@ -4,10 +4,7 @@
 source "$(dirname "$0")/support/expect.sh"
 source "$(dirname "$0")/../tools/background.sh"
 program=$1
-if [[ ${QUAZEL_PRIVATE_NETWORK:-} != 10.0.0 ]]; then
-    echo 'SKIPPED: needs a network of its own (tools/private-network --bridge)'
-    exit 77
-fi
+ip route del local 10.0.0.0/24 dev lo  # Here the printers are other hosts.
 export PATH=$PATH:/usr/sbin
 mkdir "$HOME/Documents"
 
@@ -32,7 +29,6 @@ search() {  # Sorted, as the hosts answer in any order.
     return $status
 }
 
-ip route del local 10.0.0.0/24 dev lo  # Here the printers are other hosts.
 add_host 2 $'LP\e[1m'
 expect 1 $'PrinterInfo.szModel LP\e[1m' search
 add_host 3 'TVK KV260N'

@@ -5,11 +5,6 @@
 #include <QDir>
 #include <QFile>
 
-#include <array>
-#include <utility>
-
-using namespace Qt::StringLiterals;
-
 TemporaryHome::TemporaryHome() {
     QDir(path()).mkpath(u"Documents"_s);
     qputenv("HOME", path().toUtf8());
@@ -43,16 +38,15 @@ SpawnedProgram::SpawnedProgram(const QString& command)
       pid_(readLine().toInt()) {}
 
 QByteArray SpawnedProgram::readLine() {
-    std::array<char, 256> line{};
-    return std::fgets(line.data(), line.size(), output_) == nullptr ? QByteArray() : QByteArray(line.data());
+    QByteArray line(256, '\0');
+    return std::fgets(line.data(), 256, output_) == nullptr ? QByteArray() : QByteArray(line.constData());
 }
 
-int SpawnedProgram::end(int signal) {
-    if (output_ == nullptr) {
-        return -1;
+void SpawnedProgram::end(int signal) {
+    if (output_ != nullptr) {
+        send(signal);
+        ::pclose(std::exchange(output_, nullptr));
     }
-    send(signal);
-    return ::pclose(std::exchange(output_, nullptr));
 }
 
 VirtualPrinters::VirtualPrinters(const QStringList& lines)

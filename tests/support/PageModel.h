@@ -3,15 +3,14 @@
 
 #pragma once
 
+#include "support/Fixtures.h"
+
 #include <QDebug>
 #include <QRegularExpression>
-#include <QStringList>
 
 #include <arpa/inet.h>
 
 #include <optional>
-
-using namespace Qt::StringLiterals;
 
 enum Button { Directly, Network, Refresh, Kv210, Kv260, Kv410, Kv460, GoBack, Continue };
 

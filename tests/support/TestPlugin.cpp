@@ -1,14 +1,9 @@
-// A plug-in without a page; PLUGIN_IID says for whom it is made. Where it finds the installer's window, it
-// stands for the user: goes on to the network page and says that the printer is on the network.
+// A plug-in without a page, for the contract PLUGIN_IID. If that is another one than the installer's, no code
+// of it may run.
 
 #include "InstallerPlugins/InstallerPluginFactory.h"
 
-#include <QApplication>
-#include <QPushButton>
-#include <QRadioButton>
-#include <QTimer>
-
-#include <cstdio>
+#include <cstdlib>
 
 class TestPlugin : public QObject, public InstallerPluginFactory {
     Q_OBJECT
@@ -16,22 +11,13 @@ class TestPlugin : public QObject, public InstallerPluginFactory {
     Q_INTERFACES(InstallerPluginFactory)
 
   public:
-    TestPlugin() { std::fputs("the plug-in was run\n", stderr); }
-
-    [[nodiscard]] InstallerPane* createPane(QObject* parent) override {
-        QTimer::singleShot(0, parent, [] {  // Once the window is there.
-            for (const QWidget* const window : QApplication::topLevelWidgets()) {
-                if (auto* const next = window->findChild<QPushButton*>(QStringLiteral("next"))) {
-                    next->click();
-                    const auto* const types =
-                        window->findChild<QWidget*>(QStringLiteral("radiobtnPrinterType"));
-                    types->findChildren<QRadioButton*>().constLast()->click();
-                    return;
-                }
-            }
-        });
-        return nullptr;
+    TestPlugin() {
+        if (qstrcmp(PLUGIN_IID, qobject_interface_iid<InstallerPluginFactory*>()) != 0) {
+            std::_Exit(99);
+        }
     }
+
+    [[nodiscard]] InstallerPane* createPane(QObject* /*parent*/) override { return nullptr; }
 };
 
 #include "TestPlugin.moc"
