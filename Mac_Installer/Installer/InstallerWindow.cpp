@@ -90,7 +90,7 @@ InstallerWindow::InstallerWindow(const std::vector<InstallerPane*>& pages, QWidg
 }
 
 InstallerWindow::~InstallerWindow() {
-    hide();  // After a signal it is still shown, and stopping a page's search may take a second.
+    hide();  // It is still shown after a signal, and stopping a page's search may take a second.
 }
 
 void InstallerWindow::keyPressEvent(QKeyEvent* event) {

@@ -23,8 +23,8 @@ class InstallerWindow : public QDialog {
 
   public:
     /// Enters the first of `pages`, which are in step order and not empty. Takes ownership: the pages are
-    /// destroyed with the window. Its size is comfortable, limited to the screen. Main thread, like all
-    /// members.
+    /// destroyed with the window. The initial size fits all pages, unless the screen is smaller. Main thread,
+    /// like all members.
     explicit InstallerWindow(const std::vector<InstallerPane*>& pages, QWidget* parent = nullptr);
     ~InstallerWindow() override;
 

@@ -13,32 +13,32 @@
 
 namespace {
 
-QString say(const char* text) {
+QString translated(const char* text) {
     return QCoreApplication::translate("PluginLoader", text);
 }
 
 /// Adds the page from one file to `pages`. Returns null, or what is wrong with the file.
 QString loadPage(const QString& path, QObject* parent, std::vector<InstallerPane*>& pages) {
     if (!QFileInfo(path).isFile()) {
-        return say("is not a regular file");  // Opening a FIFO would block.
+        return translated("is not a regular file");  // Opening a FIFO would block.
     }
     QPluginLoader loader(path);
-    // Read the metadata before running any code of the file: other contract versions must not be loaded.
+    // Check the metadata first: code built for another version of the contract must not run.
     const QString contract = loader.metaData().value(QStringLiteral("IID")).toString();
     const QString ours = QStringLiteral(InstallerPluginFactory_iid);
     if (contract.isEmpty()) {
-        return say("is not a plug-in (%1)").arg(loader.errorString());
+        return translated("is not a plug-in (%1)").arg(loader.errorString());
     }
     if (contract != ours) {
-        return say(R"(is made for "%1", not for "%2")").arg(contract, ours);
+        return translated(R"(is made for "%1", not for "%2")").arg(contract, ours);
     }
     auto* const factory = qobject_cast<InstallerPluginFactory*>(loader.instance());
     if (factory == nullptr) {
-        return say("can't be loaded (%1)").arg(loader.errorString());
+        return translated("can't be loaded (%1)").arg(loader.errorString());
     }
     std::unique_ptr<InstallerPane> page(factory->createPane(parent));
     if (!page || page->contentWidget() == nullptr) {
-        return say("did not create a page");
+        return translated("did not create a page");
     }
     pages.push_back(page.release());
     return {};
@@ -49,7 +49,7 @@ QString loadPage(const QString& path, QObject* parent, std::vector<InstallerPane
 LoadedPages loadPages(const QString& folder, QObject* parent) {
     const QDir directory(folder);
     if (!directory.isReadable()) {
-        return {{}, {say("%1: is not a readable folder").arg(folder)}};
+        return {{}, {translated("%1: is not a readable folder").arg(folder)}};
     }
     LoadedPages loaded;
     for (const QString& name : directory.entryList(QDir::Files | QDir::System | QDir::Hidden, QDir::Name)) {

@@ -54,7 +54,7 @@ bool PressGuard::eventFilter(QObject* watched, QEvent* event) {
         }
         case QEvent::MetaCall:
             if (qobject_cast<QAbstractButton*>(watched) != nullptr) {
-                seen_ = {};  // ButtonActions posts assistive presses; the user's last one is not their cause.
+                seen_ = {};  // An assistive press, posted by ButtonActions: no input event caused it.
             }
             return false;
         default:

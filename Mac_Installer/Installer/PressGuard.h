@@ -14,8 +14,8 @@ class PressGuard : public QObject {
     /// therefore don't repeat in text fields either.
     explicit PressGuard(QObject* parent);
 
-    /// Whether the press behind the current click counts. It doesn't if it follows the last press that
-    /// counted within the double-click interval and comes from the same key, or again from the mouse.
+    /// Whether the press that caused the current click counts. It doesn't if it follows the last press that
+    /// counted within the double-click interval and comes from the same key, or if both are mouse presses.
     /// Compares the timestamps of the input events, so it also works for presses queued while a page was
     /// busy. Presses by assistive programs have no timestamp and always count. Main thread; call once per
     /// click.

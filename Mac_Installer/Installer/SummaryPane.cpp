@@ -33,7 +33,6 @@ void SummaryPane::didEnterPane(InstallerDirection /*direction*/) {
     }
     const QString model = line.section(QLatin1Char(' '), 0, 0);
     const QString address = line.section(QLatin1Char(' '), 1);
-    text_->setText(
-        tr("The network printer is handed to the next steps of the installation:\n\nModel:\t%1\nAddress:\t%2")
-            .arg(model, address));
+    text_->setText(tr("The installation continues with this network printer:\n\nModel:\t%1\nAddress:\t%2")
+                       .arg(model, address));
 }

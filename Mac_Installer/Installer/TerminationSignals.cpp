@@ -10,7 +10,7 @@
 
 namespace {
 
-int wakeUp = -1;  // Its write() is async-signal-safe, and the event loop waits for it.
+int wakeUp = -1;  // eventfd: writing is async-signal-safe and wakes the event loop.
 
 void onSignal(int /*number*/) {
     const int error = errno;
@@ -26,7 +26,7 @@ void quitOnTerminationSignals() {
         return;  // The signals keep their default action.
     }
     auto* const notifier = new QSocketNotifier(wakeUp, QSocketNotifier::Read, QCoreApplication::instance());
-    // Not quit(): it asks the windows first, and a modal alert would block it.
+    // Not quit(): it closes the windows first, which a modal alert prevents.
     QObject::connect(notifier, &QSocketNotifier::activated, [] { QCoreApplication::exit(0); });
     for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
         (void)std::signal(number, onSignal);

@@ -1,7 +1,7 @@
-// SIGTERM, SIGINT and SIGHUP end the program like closing its window.
+// Ends the program on SIGTERM, SIGINT and SIGHUP in the same way as closing its window.
 
 #pragma once
 
-/// Makes the signals quit the application's event loop, or end it as soon as it starts. Called once, by main,
-/// after the application object is created.
+/// From now on, the signals end the application's event loop; one that arrives earlier ends it when it
+/// starts. Called once, by main, after the application object is created.
 void quitOnTerminationSignals();

@@ -24,20 +24,20 @@ namespace {
 constexpr int exitFailure = 1;
 constexpr int exitUsage = 2;
 
-/// Writes a line at once, so that lines of different threads don't interleave.
-void complain(const QString& text) {
+/// Prints one line in a single call, so that lines of different threads don't interleave.
+void printMessage(const QString& text) {
     std::fprintf(stderr, "quazel-installer: %s\n", qUtf8Printable(text));
 }
 
-/// Message handler of the program and its pages, on any thread: to syslog(3) and to standard error.
+/// Qt's message handler: forwards to syslog(3) and to standard error. Any thread.
 void forwardMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
     constexpr int priorities[]{LOG_DEBUG, LOG_WARNING, LOG_ERR, LOG_CRIT, LOG_INFO};  // by QtMsgType
     ::syslog(priorities[type], "%s", qUtf8Printable(message));
-    complain(message);
+    printMessage(message);
 }
 
-/// QApplication aborts without a display. Returns null then; --help and --version work without one, so they
-/// get a QCoreApplication.
+/// Returns null without a display, as QApplication would abort. --help and --version work without one, so
+/// they get a QCoreApplication.
 std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
     const QByteArrayList helpers{"-h", "--help", "--help-all", "-v", "--version"};
     if (std::any_of(argv, argv + argc, [&](const char* argument) { return helpers.contains(argument); })) {
@@ -48,23 +48,24 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
             return std::make_unique<QApplication>(argc, argv);
         }
     }
-    complain(QStringLiteral(
-        "there is no display to open a window on: neither DISPLAY nor WAYLAND_DISPLAY is set"));
+    printMessage(QStringLiteral(
+        "no display: DISPLAY and WAYLAND_DISPLAY are not set; start the program in a desktop session"));
     return nullptr;
 }
 
 int runInstaller(const QString& pluginFolder) {
     const QString problem = prepareHandOffFolder();
     if (!problem.isNull()) {
-        complain(problem);
+        printMessage(problem);
     }
     const LoadedPages loaded = loadPages(pluginFolder, qApp);
     for (const QString& line : loaded.problems) {
-        complain(line);
+        printMessage(line);
     }
     if (loaded.pages.empty()) {
-        complain(QCoreApplication::translate("main", "there is no page to show: no usable plug-in in %1")
-                     .arg(QDir(pluginFolder).absolutePath()));
+        printMessage(
+            QCoreApplication::translate("main", "no usable plug-in in %1; reinstall, or use --plugins")
+                .arg(QDir(pluginFolder).absolutePath()));
         return exitFailure;
     }
     std::vector<InstallerPane*> pages{new IntroductionPane(problem, qApp)};
@@ -99,9 +100,9 @@ int main(int argc, char** argv) {
         QCoreApplication::applicationDirPath() + QStringLiteral("/" QUAZEL_PLUGINS_FROM_BIN));
     parser.addOption(plugins);
     if (!parser.parse(QCoreApplication::arguments()) || !parser.positionalArguments().isEmpty()) {
-        complain(parser.errorText().isEmpty()
-                     ? QCoreApplication::translate("main", "there are no other arguments; see --help")
-                     : parser.errorText());
+        printMessage(parser.errorText().isEmpty()
+                         ? QCoreApplication::translate("main", "only options are accepted; see --help")
+                         : parser.errorText());
         return exitUsage;
     }
     parser.process(*application);  // Handles --help and --version.

@@ -29,7 +29,7 @@ class MnemonicFilter : public QObject {
             if (button->isCheckable()) {
                 button->setFocus(Qt::ShortcutFocusReason);  // Like Qt: the arrow keys start from here.
             }
-            QGuiApplication::inputMethod()->commit();  // What is being composed still counts.
+            QGuiApplication::inputMethod()->commit();  // Keep text that is being composed.
             button->click();
         }
         return true;

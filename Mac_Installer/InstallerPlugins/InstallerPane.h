@@ -26,7 +26,7 @@ enum InstallerDirection : int {
 };
 
 /// A page. Its content widget is owned by both the page and, once shown, the installer's window: it is
-/// destroyed with whichever goes first.
+/// destroyed with the first of the two.
 class INSTALLERPLUGINS_EXPORT InstallerPane : public QObject {
     Q_OBJECT
 
@@ -45,8 +45,8 @@ class INSTALLERPLUGINS_EXPORT InstallerPane : public QObject {
     /// Called when the page is on the screen. Does nothing by default.
     virtual void didEnterPane(InstallerDirection /*direction*/) {}
 
-    /// Called when the user wants to leave the page; true lets them. Before returning false, tell the user
-    /// why. May block while a modal alert is open. Returns true by default.
+    /// Whether the user may leave the page. Before returning false, tell the user why. May block while a
+    /// modal alert is open. Returns true by default.
     [[nodiscard]] virtual bool shouldExitPane(InstallerDirection /*direction*/) { return true; }
 
     /// Enable or disable the installer's buttons for this page, effective immediately while it is shown. Both

@@ -84,7 +84,7 @@ void NetworkPrinterConfigPane::makeContent() {
         policy.setRetainSizeWhenHidden(true);
         control->setSizePolicy(policy);
     }
-    // The form's own order, but behind the types, whose buttons are created late.
+    // The form's tab order, but after the connection types, whose buttons are created last.
     QWidget::setTabOrder(form.radiobtnPrinterType->cellAt(1, 0), form.PrinterIP);
     QWidget::setTabOrder(form.PrinterIP, form.RefreshButton);
     QWidget::setTabOrder(form.RefreshButton, form.IPAddressText);

@@ -87,7 +87,7 @@ void NetworkPrinterConfigPane::startDiscovery() {
     }
 }
 
-/// Leaves the page as if the search had found nothing; the user can still type an address.
+/// Shows the result of a search that found nothing; the user can still type an address.
 void NetworkPrinterConfigPane::finishWithoutSearch() {
     resetPrinterList();
     showSearching();

@@ -56,8 +56,8 @@ bool isServiceSilent() {
     return isSilent;
 }
 
-/// The destinations of the default server, freed together, and the links to their PPDs. A silent service
-/// yields no destinations; once it falls silent it yields no more links.
+/// The destinations of the default server, freed together, and the links to their PPDs. If the service
+/// doesn't respond there are no destinations; once it stops responding there are no more links.
 struct PrintService {
     PrintService() = default;
     PrintService(const PrintService&) = delete;
@@ -98,7 +98,7 @@ Ppd openPpdOf(const char* queue, PrintService& service) {
     return ppd;
 }
 
-/// Compares the name of a queue of the series.
+/// Whether a queue of the series is named g_ModelName.
 bool isQueueLookedFor(const char* queue) {
     const QString str = QString::fromUtf8(queue);
     tDebugPrint("String str Value is %s\n", UTF8String(str).constData());

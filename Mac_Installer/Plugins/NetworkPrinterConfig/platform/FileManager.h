@@ -1,4 +1,4 @@
-// Removal of files, with errors in the codes and the form that the page's logs use.
+// Removes files and reports errors with the codes and texts that the page's logs use.
 
 #pragma once
 

@@ -3,7 +3,7 @@
 #include <QMetaObject>
 #include <QObject>
 
-MainThreadGate::MainThreadGate() : doorbell_(std::make_unique<QObject>()) {}
+MainThreadGate::MainThreadGate() : receiver_(std::make_unique<QObject>()) {}
 
 MainThreadGate::~MainThreadGate() {
     close();
@@ -11,7 +11,7 @@ MainThreadGate::~MainThreadGate() {
 
 bool MainThreadGate::runAndWait(const std::function<void()>& task) {
     std::unique_lock lock(mutex_);
-    if (!doorbell_) {
+    if (!receiver_) {
         return false;
     }
     bool hasRun = false;
@@ -19,14 +19,14 @@ bool MainThreadGate::runAndWait(const std::function<void()>& task) {
         task();
         hasRun = true;
     };
-    // Posted under the lock, so that close() can't destroy the doorbell in between.
+    // Posted under the lock, so that close() can't destroy the receiver in between.
     QMetaObject::invokeMethod(
-        doorbell_.get(), [this] { runPending(); }, Qt::QueuedConnection);
+        receiver_.get(), [this] { runPending(); }, Qt::QueuedConnection);
     changed_.wait(lock, [this] { return !pending_; });
     return hasRun;
 }
 
-/// Keeps the lock meanwhile; the only thread that could want it waits for this.
+/// Holds the lock while the task runs; the only other thread that uses the gate is waiting for it.
 void MainThreadGate::runPending() {
     const std::lock_guard lock(mutex_);
     pending_();
@@ -36,7 +36,7 @@ void MainThreadGate::runPending() {
 
 void MainThreadGate::close() {
     const std::lock_guard lock(mutex_);
-    doorbell_.reset();  // Drops its queued events, too.
+    receiver_.reset();  // Also drops its queued events.
     pending_ = nullptr;
     changed_.notify_all();
 }

@@ -37,5 +37,5 @@ class MainThreadGate {
     std::mutex mutex_;
     std::condition_variable changed_;
     std::function<void()> pending_;      // empty: no thread waits
-    std::unique_ptr<QObject> doorbell_;  // lives on the main thread; null once closed
+    std::unique_ptr<QObject> receiver_;  // lives on the main thread; null once closed
 };

@@ -10,25 +10,25 @@
 
 #include <utility>
 
-/// Wraps the formatter. QLineEdit validates once per change, but obeys the result only for keys, paste and
-/// drop; the verdict is kept for all other changes.
+/// Wraps the formatter. QLineEdit validates every change once, but rejects only keys, paste and drop; for all
+/// other changes, TextField applies the stored result.
 class TextField::Guard : public QValidator {
   public:
     explicit Guard(TextField* field) : QValidator(field), field_(field) {}
 
     State validate(QString& text, int& cursor) const override {
         if (field_->isProgram_ || text == field_->accepted_) {
-            verdict = Acceptable;  // Not an edit: QLineEdit also validates on focus loss.
+            result = Acceptable;  // Not an edit: QLineEdit also validates on focus loss.
         } else if (!field_->isEditable() || !isOperable(field_)) {
-            verdict = Invalid;
+            result = Invalid;
         } else {
-            verdict = formatter != nullptr ? formatter->validate(text, cursor) : Acceptable;
+            result = formatter != nullptr ? formatter->validate(text, cursor) : Acceptable;
         }
-        return verdict;
+        return result;
     }
 
-    QValidator* formatter = nullptr;     // child
-    mutable State verdict = Acceptable;  // of the last edit
+    QValidator* formatter = nullptr;    // child
+    mutable State result = Acceptable;  // of the last edit
 
   private:
     const TextField* field_;
@@ -56,7 +56,7 @@ void TextField::followChange() {
     if (isProgram_ || isComposing_) {
         return;
     }
-    if (guard_->verdict == QValidator::Invalid) {
+    if (guard_->result == QValidator::Invalid) {
         setStringValue(accepted_);
     } else {
         accept();
@@ -81,7 +81,7 @@ void TextField::endEditing() {
 /// An input method's preedit replaces the selected text, which QLineEdit deletes as an edit of its own. Only
 /// a commit or a replacement of surrounding text counts as an edit.
 void TextField::inputMethodEvent(QInputMethodEvent* event) {
-    guard_->verdict = QValidator::Acceptable;
+    guard_->result = QValidator::Acceptable;
     {
         const QScopedValueRollback guard(isComposing_, true);
         QLineEdit::inputMethodEvent(event);
@@ -90,7 +90,7 @@ void TextField::inputMethodEvent(QInputMethodEvent* event) {
         return;
     }
     const bool isEdit = !event->commitString().isEmpty() || event->replacementLength() > 0;
-    if (isEdit && guard_->verdict == QValidator::Acceptable) {
+    if (isEdit && guard_->result == QValidator::Acceptable) {
         accept();
     } else if (event->preeditString().isEmpty()) {
         setStringValue(accepted_);
