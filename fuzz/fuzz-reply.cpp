@@ -1,5 +1,5 @@
-// Whatever a stranger sends in answer to the device id request: it is never read past its end, and what it
-// adds to the list is one well-formed entry, once.
+// Fuzzes replies to the device id request: a reply is never read past its end and adds at most one
+// well-formed entry per address to the list.
 
 #include "discovery/PrinterDiscovery.h"
 #include "handoff/DiagnosticLog.h"
@@ -14,7 +14,7 @@
 
 using namespace Qt::StringLiterals;
 
-// In place of the program's own: formats every record, so that the arguments are read, but opens no file.
+// Replaces the program's own: formats every record, so that the arguments are read, but writes no file.
 void tDebugPrint(const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
@@ -23,9 +23,9 @@ void tDebugPrint(const char* format, ...) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::vector<char> reply(data, data + size);  // Ends where the sanitizer sees it.
+    const std::vector<char> reply(data, data + size);  // On the heap: ASan detects overreads.
     g_PrinterList = std::make_shared<QStringList>(u"Enter IP Address Manually\n"_s);
-    for (const in_addr_t address : {0x0700000aU, 0x0700000aU, 0x0800000aU}) {  // The last differs.
+    for (const in_addr_t address : {0x0700000aU, 0x0700000aU, 0x0800000aU}) {  // The first one twice.
         addPrinterOfReply(reply, {address});
     }
     static const QRegularExpression form(

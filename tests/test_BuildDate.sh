@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# test_BuildDate.sh MODULE: the date in a program is that of its build: builds of one tree, nothing touched, on days of
+# test_BuildDate.sh MODULE: a program has the date of its latest build: builds one unchanged tree with two values of
 # SOURCE_DATE_EPOCH.
 source "$(dirname "$0")/support/expect.sh"
 cd "$HOME"

@@ -1,5 +1,5 @@
-// The diagnostic log and the hand-off file byte for byte, on folders that are in order and on folders that
-// are not. The log begins once a process, so each case of it runs in a child of its own.
+// The exact bytes of the diagnostic log and the hand-off file, in working and in broken folders. A process
+// starts its log only once, so each case of it runs in a child process.
 
 #include "BuildDate.h"
 #include "handoff/DiagnosticLog.h"
@@ -18,10 +18,10 @@
 
 namespace {
 
-QString documents;             // What documentsDirectory() answers.
-bool isAnotherFaster = false;  // Whether somebody else removes each file first.
+QString documents;              // Returned by documentsDirectory().
+bool isRemovedByOther = false;  // Another process removes each file first.
 
-/// Runs commands of the shell in the home folder.
+/// Runs shell commands in the home folder.
 void shell(const QByteArray& commands) {
     if (std::system("cd; " + commands) != 0) {
         qFatal("failed: %s", commands.constData());
@@ -30,14 +30,14 @@ void shell(const QByteArray& commands) {
 
 }  // namespace
 
-// In place of the program's own, which has no null folder to give.
+// Replaces the program's own, which never returns null in a test.
 QString documentsDirectory() {
     return documents;
 }
 
-/// In place of the C library's, for std::filesystem.
+/// Replaces the C library's, which std::filesystem calls.
 extern "C" [[gnu::visibility("default")]] int remove(const char* path) noexcept {
-    if (isAnotherFaster) {
+    if (isRemovedByOther) {
         ::unlink(path);
     }
     const int result = ::unlink(path);
@@ -53,13 +53,13 @@ class TestHandoff : public QObject {
         QFile::remove(file_);
     }
 
-    /// There is an old log, and two records are written: "A" without a line end, and one with arguments.
-    void records() {
+    /// Writes two records over an old log: "A" without a line end, and one with arguments.
+    void writesRecords() {
         const QByteArray a = QUAZEL_BUILD_DATE "\tA";
         const QByteArray b = QUAZEL_BUILD_DATE "\t100%s \xc3\xbc 7\n";
         struct {
-            QByteArray before, between;  // Commands of the shell.
-            QByteArray logs;             // The diagnostic log and the system log.
+            QByteArray before, between;  // Shell commands.
+            QByteArray logs;             // Diagnostic log and system log.
         } const cases[]{
             {"true", "true", a + b},
             {"mount --bind Documents/QzInstall.log Documents/QzInstall.log", "true",
@@ -74,7 +74,7 @@ class TestHandoff : public QObject {
             writeFile(home_.log(), "old\n");
             const QString result = writeFile(home_.path() + u"/result"_s, "");
             if (::fork() == 0) {
-                ::unshare(CLONE_NEWNS);  // What it mounts goes with it.
+                ::unshare(CLONE_NEWNS);  // Its mounts end with it.
                 SystemLogCapture capture;
                 shell(before);
                 tDebugPrint("A");
@@ -88,12 +88,12 @@ class TestHandoff : public QObject {
         }
     }
 
-    void keepsEarlierLogsOfOneSecond() {
+    void keepsEarlierLogsOfTheSameSecond() {
         for (const QByteArray content : {"a", "b", "c"}) {
             shell("printf " + content +
                   " >Documents/QzInstall.log; touch -d '2023-11-04 08:05' Documents/QzInstall.log");
             keepEarlierLog();
-            keepEarlierLog();  // There is none.
+            keepEarlierLog();  // No log: no effect.
         }
         const QString kept = documents + u"/QzInstall-2023-11-04-080500%1.log"_s;
         QCOMPARE(contentOf(kept.arg(u""_s)) + contentOf(kept.arg(u"-2"_s)) + contentOf(kept.arg(u"-3"_s)),
@@ -111,17 +111,17 @@ class TestHandoff : public QObject {
             QCOMPARE(contentOf(file_), content);
             QCOMPARE(removed(), u"(null)"_s);
         }
-        QCOMPARE(contentOf(documents + u"/elsewhere"_s), line);  // A link is followed, but removed itself.
+        QCOMPARE(contentOf(documents + u"/elsewhere"_s), line);  // Only writing follows a link.
         QCOMPARE(removed(), u""_s);
         writeFile(file_, "");
-        isAnotherFaster = true;
+        isRemovedByOther = true;
         QCOMPARE(removed(), u""_s);
-        isAnotherFaster = false;
+        isRemovedByOther = false;
         documents = QString(256, u'y');
         QCOMPARE(removed().remove(u'y'), u"Error Code=512 \"File name too long\" /KV.txt"_s);
     }
 
-    void writesNothingButAscii() {
+    void writesOnlyAscii() {
         writeFile(file_, "old");
         writeToTextFile(u"KV210 ١٩٢"_s);
         SystemLogCapture systemLog;
@@ -130,7 +130,7 @@ class TestHandoff : public QObject {
         QCOMPARE(contentOf(file_), "old");
     }
 
-    void outlivesAMissingFolder() {
+    void worksWithoutADocumentsFolder() {
         documents = QString();
         (void)takeLog(home_);
         SystemLogCapture systemLog;

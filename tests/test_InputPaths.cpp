@@ -1,8 +1,8 @@
-// Whatever way the user takes, an input has its whole effect or none: random sequences of inputs by mouse,
-// keys, mnemonics, wheel, drop, input method or an assistive program, on the real window and page, against a
-// model.
+// Model-based test of all input paths: every input takes full effect or none. Sends random sequences of
+// inputs by mouse, keys, mnemonics, wheel, drop, input method and assistive programs to the real window and
+// page.
 //
-// RC_PARAMS="max_success=1000 max_size=200" runs more of them; "reproduce=..." repeats a failure.
+// RC_PARAMS="max_success=1000 max_size=200" runs more sequences; "reproduce=..." repeats a failure.
 
 #include "Installer/InstallerWindow.h"
 #include "Installer/IntroductionPane.h"
@@ -35,7 +35,7 @@
 
 namespace {
 
-std::atomic<bool> isSearching;  // whether a search waits for endSearch()
+std::atomic<bool> isSearching;  // a search is waiting for endSearch()
 QStringList printersOnNetwork;
 bool isQueueInstalled = false;
 
@@ -46,7 +46,7 @@ void endSearch() {
 
 }  // namespace
 
-// In place of the program's own discovery and look-up.
+// Replace the program's discovery and queue look-up.
 std::shared_ptr<QStringList> g_PrinterList;
 QString g_ModelName;
 std::int32_t g_PrinterAlreadyInstalled = 0;
@@ -74,10 +74,10 @@ void GetInstalledPrinterList() {
 
 namespace {
 
-/// The window with its pages, operated by real events.
-struct Desk {
-    explicit Desk(const TemporaryHome& homeFolder) : home(homeFolder) {
-        (void)takeLog(home);  // An earlier window may have been left in the middle of a search.
+/// The test rig: the window with its pages, operated by real events.
+struct Rig {
+    explicit Rig(const TemporaryHome& homeFolder) : home(homeFolder) {
+        (void)takeLog(home);  // The previous window may have been closed during a search.
         writeFile(home.selectionFile(), "KV210 1.2.3.4");
         page->awakeFromNib();
         RC_ASSERT(takeLog(home).join(u'|') ==
@@ -90,7 +90,7 @@ struct Desk {
         isQueueInstalled = false;
     }
 
-    /// Clicks where a button is. The release has not been handled when this returns.
+    /// Clicks at a button's position. The release is still queued when this returns.
     void click(Button button) {
         const QWidget* const widget = buttons.at(button);
         const QPoint place = widget->mapTo(&window, QPoint(8, widget->height() / 2));
@@ -105,7 +105,7 @@ struct Desk {
         }
     }
 
-    /// Presses a key, wherever the focus is, and holds it down until it repeats.
+    /// Presses a key in the focused widget and holds it until it has repeated once.
     void press(QKeyCombination key) {
         const auto time = static_cast<quint64>(QTest::lastMouseTimestamp);
         const auto send = [&](QEvent::Type type, bool isRepeat) {
@@ -133,7 +133,7 @@ struct Desk {
         return QAccessible::queryAccessibleInterface(field)->editableTextInterface();
     }
 
-    void chooseLastByAssistance() const {
+    void chooseLastByAssistiveAction() const {
         assist(list);
         if (list->view()->isVisible()) {
             QTest::keyClick(list->view(), Qt::Key_End);
@@ -141,14 +141,14 @@ struct Desk {
         }
     }
 
-    /// As an input method does: shows a text to be, or replaces the last characters; neither gives it up.
+    /// Sends an input method event: a preedit, a commit that may replace characters, or a cancellation.
     void compose(const QString& preedit, const QString& text, int replaced = 0) const {
         QInputMethodEvent event(preedit, {});
         event.setCommitString(text, -replaced, replaced);
         QApplication::sendEvent(field, &event);
     }
 
-    /// Waits until the page has come to rest: no search, or one that waits for endSearch().
+    /// Waits until the page is idle: no search, or one that waits for endSearch().
     void settle() {
         const QDeadlineTimer deadline(5000);
         do {
@@ -159,7 +159,7 @@ struct Desk {
         QCoreApplication::processEvents();
     }
 
-    /// What can be seen of the page now, in the model's words.
+    /// The visible state of the page, in the model's format.
     [[nodiscard]] QString text() {
         const QStringList titles{u"Introduction"_s, page->title(), u"Summary"_s};
         const QList<bool> enabled{list->isEnabled(), page->RefreshButton()->isEnabled(),
@@ -188,7 +188,7 @@ struct Desk {
         return (isMixed ? u"mixed "_s : QString()) + (window.isVisible() ? seen.text() : u"closed"_s);
     }
 
-    /// Closes each alert from now on, by Return, by Escape and by a click in turn.
+    /// From now on, closes every alert, by Return, Escape and a click in turn.
     void closeAlert() {
         QTimer::singleShot(1, &window, [this] { closeAlert(); });
         auto* const alert = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
@@ -200,15 +200,15 @@ struct Desk {
             texts += button->text();
         }
         effects += takeLog(home) + QStringList{texts.join(u'|')};
-        // Neither an assistive program nor a late click may change anything behind it.
+        // Neither assistive actions nor a late click may change the page behind the alert.
         if (!std::exchange(isBehindAlert, true)) {
             std::for_each(buttons.begin(), buttons.end(), assist);
             emit buttons.at(Continue)->clicked();
             assistiveText()->insertText(0, u"9"_s);
-            chooseLastByAssistance();
-        }  // Otherwise one alert has opened another.
+            chooseLastByAssistiveAction();
+        }  // Otherwise the checks behind an alert opened this one.
         isBehindAlert = false;
-        const QScopedValueRollback clock(QTest::lastMouseTimestamp);  // The input goes on at its own time.
+        const QScopedValueRollback clock(QTest::lastMouseTimestamp);  // Don't advance the input's clock.
         if (++closedAlerts % 3 == 0) {
             QTest::mouseClick(alert->buttons().constFirst(), Qt::LeftButton);
         } else {
@@ -227,20 +227,20 @@ struct Desk {
     bool isBehindAlert = false;
 };
 
-/// Where the focus must be, or when, for an input to be sent.
+/// Where the focus must be for an input, or that a search must be running.
 enum Need { Anywhere, OnButton, OnList, OnField, InSearch };
 
 struct Input;
 
-/// A kind of input: how it is sent to the window, and what the model makes of it.
+/// A kind of input: how to send it to the window, and its effect on the model.
 struct Kind {
-    const char* name;  // with the values that it uses in capitals
+    const char* name;  // with placeholders in capitals
     Need need;
-    void (*send)(Desk& desk, const Input& input);
+    void (*send)(Rig& rig, const Input& input);
     void (*expect)(PageModel& model, const Input& input);
 };
 
-struct Input : rc::state::Command<PageModel, Desk> {
+struct Input : rc::state::Command<PageModel, Rig> {
     void checkPreconditions(const PageModel& model) const override {
         RC_PRE(kind.need != InSearch || model.isSearching);
         RC_PRE(nextState(model).step != PageModel::Closed);
@@ -252,18 +252,18 @@ struct Input : rc::state::Command<PageModel, Desk> {
         kind.expect(model, *this);
     }
 
-    void run(const PageModel& before, Desk& desk) const override {
+    void run(const PageModel& before, Rig& rig) const override {
         QTest::lastMouseTimestamp += pause;
-        QWidget* const controls[]{nullptr, desk.buttons.at(button), desk.list, desk.field, nullptr};
+        QWidget* const controls[]{nullptr, rig.buttons.at(button), rig.list, rig.field, nullptr};
         QWidget* const control = controls[kind.need];
         if (control != nullptr && control->isVisible()) {
             control->setFocus();
         }
         if (control == nullptr || control->hasFocus()) {
-            kind.send(desk, *this);
+            kind.send(rig, *this);
         }
-        desk.settle();
-        RC_ASSERT(desk.text().toStdString() == nextState(before).text().toStdString());
+        rig.settle();
+        RC_ASSERT(rig.text().toStdString() == nextState(before).text().toStdString());
     }
 
     void show(std::ostream& out) const override {
@@ -278,7 +278,7 @@ struct Input : rc::state::Command<PageModel, Desk> {
     }
 
     Kind kind;
-    int pause;  // before the input, by the events' own time
+    int pause;  // ms before the input, in event timestamps
     Button button;
     QString text;
     QStringList printers;
@@ -296,103 +296,103 @@ void replace(PageModel& model, const Input& input) {
 }
 
 const std::vector<Kind> kinds{
-    {"click BUTTON", Anywhere, [](auto& desk, auto& input) { desk.click(input.button); }, click},
+    {"click BUTTON", Anywhere, [](auto& rig, auto& input) { rig.click(input.button); }, click},
     {"posted click of Continue", Anywhere,
-     [](auto& desk, auto&) {
-         auto* const button = desk.buttons.at(Continue);
+     [](auto& rig, auto&) {
+         auto* const button = rig.buttons.at(Continue);
          QTimer::singleShot(0, button, [=] { emit button->clicked(); });
      },
      [](auto& model, auto&) { model.press(Continue); }},
     {"mnemonic of BUTTON", Anywhere,
-     [](auto& desk, auto& input) { desk.press(desk.buttons.at(input.button)->shortcut()[0]); },
+     [](auto& rig, auto& input) { rig.press(rig.buttons.at(input.button)->shortcut()[0]); },
      [](auto& model, auto& input) {
          model.press(input.button, input.button == GoBack ? Qt::Key_B : Qt::Key_C);
      }},
-    {"Return", Anywhere, [](auto& desk, auto&) { desk.press(Qt::Key_Return); },
+    {"Return", Anywhere, [](auto& rig, auto&) { rig.press(Qt::Key_Return); },
      [](auto& model, auto&) { model.press(Continue, Qt::Key_Return); }},
-    {"Space on BUTTON", OnButton, [](auto& desk, auto&) { desk.press(Qt::Key_Space); },
+    {"Space on BUTTON", OnButton, [](auto& rig, auto&) { rig.press(Qt::Key_Space); },
      [](auto& model, auto& input) { model.press(input.button, Qt::Key_Space); }},
     {"assistive press of BUTTON", Anywhere,
-     [](auto& desk, auto& input) { desk.assist(desk.buttons.at(input.button)); },
+     [](auto& rig, auto& input) { rig.assist(rig.buttons.at(input.button)); },
      [](auto& model, auto& input) {
-         if (input.button != model.type) {  // To toggle what is selected does nothing.
+         if (input.button != model.type) {  // Toggling the selected cell has no effect.
              model.press(input.button);
          }
      }},
-    {"Up in the list", OnList, [](auto& desk, auto&) { QTest::keyClick(desk.list, Qt::Key_Up); },
+    {"Up in the list", OnList, [](auto& rig, auto&) { QTest::keyClick(rig.list, Qt::Key_Up); },
      [](auto& model, auto&) { model.select(model.selected - 1); }},
-    {"last in the list's popup by assistance", Anywhere,
-     [](auto& desk, auto&) { desk.chooseLastByAssistance(); },
+    {"assistive choice of the last list item", Anywhere,
+     [](auto& rig, auto&) { rig.chooseLastByAssistiveAction(); },
      [](auto& model, auto&) { model.select(model.items.size() - 1); }},
-    {"wheel on the list, the focus on BUTTON", OnButton,
-     [](auto& desk, auto&) {
-         const QPointF middle = desk.list->rect().center();
-         QWheelEvent event(middle, desk.list->mapToGlobal(middle), {}, {0, -120}, {}, {}, Qt::NoScrollPhase,
+    {"wheel on the list with focus on BUTTON", OnButton,
+     [](auto& rig, auto&) {
+         const QPointF middle = rig.list->rect().center();
+         QWheelEvent event(middle, rig.list->mapToGlobal(middle), {}, {0, -120}, {}, {}, Qt::NoScrollPhase,
                            false);
-         QSpontaneKeyEvent::setSpontaneous(&event);  // Only those may take the focus.
-         qApp->notify(desk.list, &event);
+         QSpontaneKeyEvent::setSpontaneous(&event);  // Only those can change the focus.
+         qApp->notify(rig.list, &event);
      },
      nothing},
     {"type TEXT", OnField,
-     [](auto& desk, auto& input) {
-         desk.field->end(false);
-         QTest::sendKeyEvent(QTest::Click, desk.field, Qt::Key_unknown, input.text, {});
+     [](auto& rig, auto& input) {
+         rig.field->end(false);
+         QTest::sendKeyEvent(QTest::Click, rig.field, Qt::Key_unknown, input.text, {});
      },
      append},
     {"paste TEXT over all", OnField,
-     [](auto& desk, auto& input) {
+     [](auto& rig, auto& input) {
          QApplication::clipboard()->setText(input.text);
-         desk.field->selectAll();
-         desk.field->paste();
+         rig.field->selectAll();
+         rig.field->paste();
      },
      replace},
     {"drop TEXT at the end", Anywhere,
-     [](auto& desk, auto& input) {
+     [](auto& rig, auto& input) {
          QMimeData data;
          data.setText(input.text);
-         const QPoint end = desk.field->rect().bottomRight();
+         const QPoint end = rig.field->rect().bottomRight();
          QDragEnterEvent enter(end, Qt::CopyAction, &data, Qt::LeftButton, {});
          QDropEvent drop(end, Qt::CopyAction, &data, Qt::LeftButton, {});
-         if (desk.field->isVisible() && desk.field->isEnabled()) {
-             QApplication::sendEvent(desk.field, &enter);
-             QApplication::sendEvent(desk.field, &drop);
+         if (rig.field->isVisible() && rig.field->isEnabled()) {
+             QApplication::sendEvent(rig.field, &enter);
+             QApplication::sendEvent(rig.field, &drop);
          }
      },
      append},
     {"compose TEXT over all", OnField,
-     [](auto& desk, auto& input) {
-         desk.field->selectAll();
-         desk.compose(u"preedit"_s, {});
-         desk.compose({}, input.text);
+     [](auto& rig, auto& input) {
+         rig.field->selectAll();
+         rig.compose(u"preedit"_s, {});
+         rig.compose({}, input.text);
      },
      replace},
-    {"compose over all, press Refresh by assistance and give up", OnField,
-     [](auto& desk, auto&) {
-         desk.field->selectAll();
-         desk.compose(u"preedit"_s, {});
-         desk.assist(desk.page->RefreshButton());
-         desk.settle();
-         desk.compose({}, {});
+    {"compose over all, press Refresh by assistance, cancel", OnField,
+     [](auto& rig, auto&) {
+         rig.field->selectAll();
+         rig.compose(u"preedit"_s, {});
+         rig.assist(rig.page->RefreshButton());
+         rig.settle();
+         rig.compose({}, {});
      },
      [](auto& model, auto&) {
-         if (model.isAddressFree()) {
+         if (model.isAddressEditable()) {
              model.press(Refresh);
          }
      }},
     {"delete by input method", OnField,
-     [](auto& desk, auto&) {
-         desk.field->end(false);
-         desk.compose({}, {}, 1);
+     [](auto& rig, auto&) {
+         rig.field->end(false);
+         rig.compose({}, {}, 1);
      },
      [](auto& model, auto&) { model.edit(model.address.left(model.address.size() - 1)); }},
     {"insert TEXT by assistance", Anywhere,
-     [](auto& desk, auto& input) {
-         desk.assistiveText()->insertText(static_cast<int>(desk.field->text().size()), input.text);
+     [](auto& rig, auto& input) {
+         rig.assistiveText()->insertText(static_cast<int>(rig.field->text().size()), input.text);
      },
      append},
-    {"delete all by assistance", Anywhere, [](auto& desk, auto&) { desk.assistiveText()->deleteText(0, 15); },
+    {"delete all by assistance", Anywhere, [](auto& rig, auto&) { rig.assistiveText()->deleteText(0, 15); },
      [](auto& model, auto&) { model.edit({}); }},
-    // Not by the user.
+    // Not caused by the user.
     {"queue installed or removed", Anywhere, [](auto&, auto&) { isQueueInstalled = !isQueueInstalled; },
      [](auto& model, auto&) { model.isInstalled = !model.isInstalled; }},
     {"search finds PRINTERS", InSearch,
@@ -403,7 +403,7 @@ const std::vector<Kind> kinds{
      [](auto& model, auto& input) { model.endSearch(input.printers); }},
 };
 
-/// Leads mostly from the other pages to this one, and one time in four from a search to its end.
+/// Prefers inputs that lead back to the page; ends a running search in one of four cases.
 std::shared_ptr<const Input::CommandType> anyInput(const PageModel& model) {
     auto input = std::make_shared<Input>();
     input->kind = *rc::gen::sizedElementOf(kinds);
@@ -430,17 +430,17 @@ class TestInputPaths : public QObject {
     Q_OBJECT
 
   private slots:
-    void anInputHasItsWholeEffectOrNone() {
+    void inputsTakeFullEffectOrNone() {
         QApplication::setDoubleClickInterval(doubleClickInterval);
         if (!qEnvironmentVariableIsSet("RC_PARAMS")) {
             qputenv("RC_PARAMS", "max_success=250");  // About 7,000 inputs.
         }
         const TemporaryHome home;
         const SystemLogCapture systemLog;
-        QVERIFY(rc::check("an input has its whole effect or none", [&home] {
-            Desk desk(home);
-            rc::state::check(PageModel(), desk, [](const PageModel& model) {
-                // The nominal size, so that all values occur from the first test on.
+        QVERIFY(rc::check("inputs take full effect or none", [&home] {
+            Rig rig(home);
+            rc::state::check(PageModel(), rig, [](const PageModel& model) {
+                // The nominal size lets all values occur from the first sequence on.
                 return rc::gen::resize(rc::kNominalSize, rc::gen::exec([model] { return anyInput(model); }));
             });
         }));

@@ -1,5 +1,5 @@
-// The walk over the print queues, record by record, against a print service of the test's own that is in
-// order, that is silent, and that stops.
+// The check of the print queues and its log, with a private print service that works, stops responding, and
+// ends.
 
 #include "discovery/InstalledPrinters.h"
 #include "support/Fixtures.h"
@@ -18,13 +18,13 @@
 
 namespace {
 
-std::function<const char*(const char*)> ppdOfQueue;  // In place of CUPS's own answer, if set.
-int waitDivisor = 1;                                 // What the program's waits for the service are cut by.
-int longestWait = 0;                                 // Before the cut, in milliseconds.
+std::function<const char*(const char*)> ppdOfQueue;  // Replaces CUPS's function, if set.
+int waitDivisor = 1;                                 // Shortens the program's waits.
+int longestWait = 0;                                 // Before shortening, in milliseconds.
 
 const QString series = u"Tovik-KV210-Ethernet-Printer-IP=10.0.0."_s;
 
-/// Queues, and the values of the attribute PCFileName in their PPDs; without any, the PPD is none.
+/// Queues and the PCFileName values of their PPDs; without values, the file is not a valid PPD.
 const std::pair<QString, QByteArrayList> queues[]{{u"Office"_s, {"OFFICE.PPD"}},
                                                   {series + u'1', {"KV210.PPD"}},
                                                   {series + u'2', {"OTHER.PPD", "KV210.PPD", "KV260.PPD"}},
@@ -33,7 +33,7 @@ constexpr auto queueCount = static_cast<int>(std::size(queues));
 
 }  // namespace
 
-// The linker puts these in front of CUPS's own functions.
+// Called instead of CUPS's functions (linker option --wrap).
 extern "C" {
 const char* __real_cupsGetPPD2(http_t* http, const char* name);
 const char* __wrap_cupsGetPPD2(http_t* http, const char* name) {
@@ -66,7 +66,7 @@ class TestInstalledPrinters : public QObject {
     }
 
     void logsEachQueue() {
-        // Without what is the same in each name and path.
+        // Remove the common parts of all names and paths.
         QString log = logOf(series + u'2').join(u'|').remove(cups_ + u"/etc/ppd"_s);
         QCOMPARE(
             log.replace(series, u"KV."_s),
@@ -81,12 +81,12 @@ class TestInstalledPrinters : public QObject {
         QCOMPARE(g_PrinterAlreadyInstalled, 1);
     }
 
-    /// The longest target of a link that fits the buffer counts. One byte more, or no link: it does not.
-    void passesOverPpdsWithoutAUsableLink() {
+    /// The longest link target that fits the buffer is used; one byte more, or no link, is not.
+    void skipsPpdsWithoutAUsableLink() {
         const QByteArray link = (home_.path() + u"/link"_s).toUtf8();
         const QByteArray longest = ppdPath(series + u'1').toUtf8().rightJustified(1023, '/');
         ppdOfQueue = [&link](const char*) { return link.constData(); };
-        // Cut to the buffer, the path of the second would be the first's.
+        // Truncated to the buffer, the second target would equal the first.
         for (const auto& [target, installed] : {std::pair{longest, 1}, {longest + 'x', 0}, {"", 0}}) {
             ::unlink(link);
             (void)(target.isEmpty() || ::symlink(target, link) == 0);
@@ -95,24 +95,24 @@ class TestInstalledPrinters : public QObject {
         }
     }
 
-    /// It falls silent at the first question for a PPD: it takes connections, and nothing else comes from it.
-    /// Later it ends there.
-    void outlivesTheService() {
-        int asked = 0;
+    /// At the first PPD request, the service stops responding, but still accepts connections; later it
+    /// ends at that point.
+    void survivesServiceFailures() {
+        int requests = 0;
         ppdOfQueue = [&](const char*) {
-            ++asked;
+            ++requests;
             service_->send(SIGSTOP);
             std::this_thread::sleep_for(std::chrono::seconds(1));
             return nullptr;
         };
         waitDivisor = 100;
         QCOMPARE(logOf(series + u'1').count(u"PPD open failed"_s), queueCount);
-        QCOMPARE(asked, 1);
+        QCOMPARE(requests, 1);
 
         QElapsedTimer timer;
         timer.start();
         QCOMPARE(logOf(u"KV210"_s).join(u'|'), noQueues_);
-        QVERIFY2(timer.elapsed() < 30'000, "it was asked a second time");
+        QVERIFY2(timer.elapsed() < 30'000, "the silent service was contacted again");
         QVERIFY2(longestWait > 5'000 && longestWait <= 10'000, qPrintable(QString::number(longestWait)));
 
         service_->send(SIGCONT);
@@ -130,10 +130,10 @@ class TestInstalledPrinters : public QObject {
     }
 
   private:
-    /// The log of one check, the numbers of errors left out: they are CUPS's business.
+    /// The log of one check, without error numbers, which are up to CUPS.
     QStringList logOf(const QString& lookedFor) {
         g_ModelName = lookedFor;
-        // A thread of its own, as CUPS remembers for each thread which service it found.
+        // A new thread each time, as CUPS remembers its server per thread.
         std::thread(GetInstalledPrinterList).join();
         return takeLog(home_).replaceInStrings(QRegularExpression(u"^(PPD open failed) \\d+$"_s), u"\\1"_s);
     }

@@ -1,5 +1,5 @@
-// Leaving in the middle of a discovery, in every way and at every point of it; and what many discoveries
-// leave behind.
+// Closes the window, or ends the program by a signal, at each stage of a discovery; and checks many
+// discoveries for leaks.
 
 #include "Installer/InstallerWindow.h"
 #include "Installer/TerminationSignals.h"
@@ -16,11 +16,11 @@
 
 namespace {
 
-const QString firstTask = u"\tGetPrinterIP\n"_s;  // Before the search, with a task waiting.
+const QString firstTask = u"\tGetPrinterIP\n"_s;  // Before the search; a task is waiting.
 const QString search = u"\tBefore GetTovikQuazelPrinters\n"_s;
-const QString firstProbe = u"\t**** 127.0.0.1\n"_s;              // While replies are collected.
-const QString firstQuestion = u"\tIP address is: 10.0.0.9\n"_s;  // While a printer is silent.
-const QString lastTask = u"\tFound an Item: "_s;                 // After the search, with a task waiting.
+const QString firstProbe = u"\t**** 127.0.0.1\n"_s;             // While replies are collected.
+const QString firstRequest = u"\tIP address is: 10.0.0.9\n"_s;  // While waiting for a device id.
+const QString lastTask = u"\tFound an Item: "_s;                // After the search; a task is waiting.
 
 extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
 
@@ -28,7 +28,7 @@ qsizetype countIn(const QString& folder) {
     return QDir(folder).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size();
 }
 
-/// Waits for a record (ctest limits how long), and a moment longer, so that what follows it is under way.
+/// Waits for a record (ctest limits how long), then 50 ms for the operation that follows it to start.
 void waitForRecord(const QString& log, const QString& record) {
     while (!contentOf(log).contains(record.toUtf8())) {
         QTest::qSleep(5);
@@ -47,16 +47,16 @@ class TestLeaving : public QObject {
         quitOnTerminationSignals();
     }
 
-    void leaves() {
+    void leavesDuringDiscovery() {
         const VirtualPrinters printers({u"10.0.0.9 silent"_s, u"10.0.0.10 silent"_s});
-        for (const QString& record : {firstTask, firstProbe, firstQuestion, lastTask}) {
+        for (const QString& record : {firstTask, firstProbe, firstRequest, lastTask}) {
             for (const bool isSignalled : {false, true}) {
                 leave(record, isSignalled);
             }
         }
     }
 
-    void manyDiscoveriesLeaveNothingBehind() {
+    void discoveriesLeakNothing() {
         Timeout = 0;
         NetworkPrinterConfigPane pane;
         pane.awakeFromNib();
@@ -68,19 +68,19 @@ class TestLeaving : public QObject {
                 }
             }
         };
-        refresh(20);  // What is made once.
+        refresh(20);  // One-time allocations.
         const qsizetype threads = countIn(u"/proc/self/task"_s);
         const qsizetype descriptors = countIn(u"/proc/self/fd"_s);
         const std::size_t bytes = __sanitizer_get_current_allocated_bytes();
         refresh(200);
-        QTRY_VERIFY(countIn(u"/proc/self/task"_s) <= threads);  // Qt may end one of its own.
+        QTRY_VERIFY(countIn(u"/proc/self/task"_s) <= threads);  // Qt may end one of its threads.
         QCOMPARE(countIn(u"/proc/self/fd"_s), descriptors);
-        QCOMPARE_LT(__sanitizer_get_current_allocated_bytes(), bytes + 200 * 32);  // Less than any leak.
+        QCOMPARE_LT(__sanitizer_get_current_allocated_bytes(), bytes + 200 * 32);  // 32 per search.
         Timeout = 1000;
     }
 
   private:
-    /// Closes the window, or gets a signal, after `record`.
+    /// Closes the window, or raises SIGTERM, once `record` was logged.
     void leave(const QString& record, bool isSignalled) {
         (void)takeLog(home_);
         auto* const page = new NetworkPrinterConfigPane;
@@ -100,11 +100,11 @@ class TestLeaving : public QObject {
             QVERIFY(QApplication::exec() == 0);
         } else {
             window->close();
-            QVERIFY(!window->isVisible() && clock.elapsed() < 500);  // Whatever still has to end.
+            QVERIFY(!window->isVisible() && clock.elapsed() < 500);  // Even if the search is running.
         }
         window.reset();
-        QCoreApplication::processEvents();  // Nothing of the page may be left in the queue.
-        // A task that was waiting is not told as run.
+        QCoreApplication::processEvents();  // No event of the page may remain queued.
+        // A waiting task must not be reported as run.
         QVERIFY(isSignalled || contentOf(home_.log()).contains(search.toUtf8()) == (record != firstTask));
         QCOMPARE_LT(clock.elapsed(), 2500);
     }

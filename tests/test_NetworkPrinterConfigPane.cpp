@@ -1,5 +1,5 @@
-// The page by itself: what a user's acts don't reach (see test_InputPaths), its lines in the system log, and
-// a discovery over real sockets.
+// The page alone: what user input can't reach (for the rest see test_InputPaths), its system log lines, and a
+// discovery over real sockets.
 
 #include "NetworkPrinterConfig/IPAddressTextValidator.h"
 #include "NetworkPrinterConfig/NetworkPrinterConfigPane.h"
@@ -20,14 +20,14 @@
 
 namespace {
 
-QStringList heard;
+QStringList announced;
 
-/// What a screen reader would say: names as they change, and where the focus goes.
+/// Records what a screen reader would announce: name and focus changes.
 void listen(QAccessibleEvent* event) {
     const bool isFocus = event->type() == QAccessible::Focus;
     QAccessibleInterface* const from = event->accessibleInterface();
     if (from != nullptr && (isFocus || event->type() == QAccessible::NameChanged)) {
-        heard += (isFocus ? u"focus "_s : u"name "_s) + from->text(QAccessible::Name);
+        announced += (isFocus ? u"focus "_s : u"name "_s) + from->text(QAccessible::Name);
     }
 }
 
@@ -44,7 +44,7 @@ class TestNetworkPrinterConfigPane : public QObject {
         (void)systemLog_->take();
     }
 
-    void titleIsThePlugInsOwn() {
+    void titleUsesOwnTranslations() {
         struct OtherPlugIn : QTranslator {
             QString translate(const char* /*context*/, const char* id, const char* /*comment*/,
                               int /*count*/) const override {
@@ -57,18 +57,18 @@ class TestNetworkPrinterConfigPane : public QObject {
         QCOMPARE(translatedText("Missing"), u"Missing"_s);
     }
 
-    void goesInTheMiddleOfAnEdit() {
+    void canBeDestroyedDuringAnEdit() {
         pane_->contentWidget()->show();
         QVERIFY(QTest::qWaitForWindowActive(pane_->contentWidget()));
         pane_->IPAddressText()->setFocus();
         QTest::keyClick(pane_->IPAddressText(), '1');
-        pane_.reset();  // The sanitizer tells when the end of editing reaches what is left of the page.
+        pane_.reset();  // ASan reports an editingFinished that reaches the destroyed page.
     }
 
-    void looksUpModels() {
-        QCOMPARE(pane_->PrinterModelToColumnNo(u"KV210 KV460"_s), 3);  // The last match,
+    void findsModelColumns() {
+        QCOMPARE(pane_->PrinterModelToColumnNo(u"KV210 KV460"_s), 3);  // The last match.
         pane_->ChangePrinterModelRadioButton(u"KV460KV260"_s);
-        QCOMPARE(pane_->g_SelectedCell(), 1);  // and the first one.
+        QCOMPARE(pane_->g_SelectedCell(), 1);  // The first match.
     }
 
     void logsTheModelCheck() {
@@ -91,7 +91,7 @@ class TestNetworkPrinterConfigPane : public QObject {
         QCOMPARE(systemLog_->take().join(u'|'), check.arg(lookUp));
     }
 
-    void missingControlsTakeMessagesInSilence() {
+    void ignoresMissingControls() {
         delete pane_->contentWidget();
         pane_->didEnterPane(InstallerDirectionForward);
         pane_->PrinterTypeClicked();
@@ -101,8 +101,8 @@ class TestNetworkPrinterConfigPane : public QObject {
         QVERIFY(pane_->shouldExitPane(InstallerDirectionForward));
     }
 
-    /// As an assistive program hears it, and then where Tab leads.
-    void findsPrinters() {
+    /// Also checks the announcements to assistive programs, and the tab order.
+    void findsAndAnnouncesPrinters() {
         const VirtualPrinters printers({u"10.0.0.5 answers "_s + deviceId(u"TVK KV260"_s),
                                         u"10.0.0.7 twice "_s + deviceId(u"KV410N"_s)});
         pane_->contentWidget()->show();
@@ -115,8 +115,8 @@ class TestNetworkPrinterConfigPane : public QObject {
         QTest::keyClick(types.cellAt(0, 0), Qt::Key_Down);
         QTRY_VERIFY(pane_->isNextEnabled());
         QAccessible::installUpdateHandler(nullptr);
-        heard.removeDuplicates();
-        const QString all = heard.join(u'|');
+        announced.removeDuplicates();
+        const QString all = announced.join(u'|');
         QVERIFY2(all.contains(u"name Searching for printers|focus Searching for printers|"_s) &&
                      all.contains(u"|name Search finished. Printers found: 2|"_s),
                  qPrintable(all));
@@ -129,11 +129,11 @@ class TestNetworkPrinterConfigPane : public QObject {
         }
     }
 
-    void endsAtOnceWithoutAThread() {
+    void searchEndsAtOnceWithoutAThread() {
         pthread_attr_t usual;
         ::pthread_getattr_default_np(&usual);
         pthread_attr_t huge = usual;
-        ::pthread_attr_setstacksize(&huge, std::size_t(1) << 60);  // More than there are addresses.
+        ::pthread_attr_setstacksize(&huge, std::size_t(1) << 60);  // Exceeds the address space.
         ::pthread_setattr_default_np(&huge);
         QTest::mouseClick(pane_->RefreshButton(), Qt::LeftButton);
         ::pthread_setattr_default_np(&usual);
@@ -144,10 +144,10 @@ class TestNetworkPrinterConfigPane : public QObject {
         QCOMPARE(systemLog_->take().filter(u"can't be started"_s).size(), 1);
     }
 
-    void knowsAddresses() {
+    void validatesAddresses() {
         const IPAddressTextValidator validator;
         QVERIFY(!validator.validate(QString()));
-        // The end anchor also stands before one line end of any kind, which other engines do not do.
+        // ICU's end anchor also matches before one line terminator of any kind.
         const QStringList valid{u""_s,          u"0.0.0.0"_s,     u"255.255.255.255"_s, u"192.168.001.010"_s,
                                 u"1.2.3.4\n"_s, u"1.2.3.4\r\n"_s, u"1.2.3.4\u2028"_s};
         const QStringList invalid{u"256.1.1.1"_s, u"1.2.3.260"_s, u"1.2.3"_s,        u"1.2.3.4.5"_s,
@@ -157,7 +157,7 @@ class TestNetworkPrinterConfigPane : public QObject {
         }
     }
 
-    void anUncheckedCircleStandsOutFromADarkWindow() {
+    void uncheckedButtonsAreVisibleOnDarkWindows() {
         QApplication::setStyle(u"Fusion"_s);
         const QColor window(32, 35, 38);
         RadioMatrix matrix;
@@ -165,10 +165,10 @@ class TestNetworkPrinterConfigPane : public QObject {
         matrix.setCells({u"x"_s});
         const QImage picture = matrix.cellAt(0, 0)->grab().toImage();
         int lightest = 0;
-        for (int x = 0; x < 16; ++x) {  // Across the circle.
+        for (int x = 0; x < 16; ++x) {  // Pixels across the circle.
             lightest = std::max(lightest, picture.pixelColor(x, picture.height() / 2).lightness());
         }
-        QVERIFY2(lightest > 110, qPrintable(QString::number(lightest)));  // A contrast of 3 in WCAG 2.1.
+        QVERIFY2(lightest > 110, qPrintable(QString::number(lightest)));  // Contrast 3:1 (WCAG 2.1).
     }
 
   private:

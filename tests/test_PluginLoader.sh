@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# test_PluginLoader.sh INSTALLER PLUGINS: which files the installer takes for pages, what it says, and with which status
-# it ends. PLUGINS is a folder of builds of support/TestPlugin.cpp.
+# test_PluginLoader.sh INSTALLER PLUGINS: the installer's messages and exit status for unusable plug-ins and wrong
+# arguments. PLUGINS is a folder of plug-ins built from support/TestPlugin.cpp.
 source "$(dirname "$0")/support/expect.sh"
 installer=$1
 export QT_QPA_PLATFORM=offscreen

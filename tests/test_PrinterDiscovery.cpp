@@ -1,5 +1,5 @@
-// What a reply tells; and whole runs of discovery: what is sent, found and logged, and that a run ends in
-// bounded time, with a list and a log that tell the truth, on a hostile network and on a broken machine.
+// Parsing of device ids, and whole runs of discovery: requests, results and log. A run ends in bounded time
+// with correct results, even on a hostile network or when system calls fail.
 
 #include "discovery/DeviceId.h"
 #include "discovery/ModelCatalog.h"
@@ -24,17 +24,17 @@
 
 namespace {
 
-/// What goes wrong for the discovery.
+/// Faults to inject into a run.
 struct Faults {
     int socketsLeft = 1'000'000;
     int lowestDescriptor = 0;
-    std::function<int(bool hasDescriptor)> select{};  // Anything but 0 is its result.
+    std::function<int(bool hasDescriptor)> select{};  // A result other than 0 replaces the call.
     std::function<int()> poll{};
     bool badChecksums = false;
 };
 Faults faults;
-std::vector<std::jthread> strangers;
-QByteArrayList sent;  // In hexadecimal.
+std::vector<std::jthread> senders;
+QByteArrayList sent;  // Datagrams in hexadecimal.
 
 int fail(int error) {
     errno = error;
@@ -43,7 +43,7 @@ int fail(int error) {
 
 }  // namespace
 
-// The linker puts these in front of the system's own.
+// Called instead of the system's functions (linker option --wrap).
 extern "C" {
 int __real_socket(int domain, int type, int protocol);
 int __real_select(int, fd_set*, fd_set*, fd_set*, timeval*);
@@ -67,10 +67,10 @@ int __wrap_poll(pollfd* descriptors, nfds_t count, int wait) {
     return faults.poll ? faults.poll() : __real_poll(descriptors, count, wait);
 }
 
-/// Datagrams whose checksum is wrong: each wakes the receiver and gives it nothing.
+/// Sends datagrams with a wrong checksum: each wakes the receiver, but can't be received.
 void sendBadChecksums(sockaddr_in to) {
     const int raw = __real_socket(AF_INET, SOCK_RAW, IPPROTO_UDP);
-    // Ports, length, checksum. Short ones are checked before anybody is woken.
+    // Ports, length, checksum. The kernel verifies short datagrams before it wakes the receiver.
     const QByteArray datagram = QByteArray::fromHex("00a1") +
                                 QByteArray(reinterpret_cast<const char*>(&to.sin_port), 2) +
                                 QByteArray::fromHex("00d01234") + QByteArray(200, 'x');
@@ -86,7 +86,7 @@ ssize_t __wrap_sendto(int descriptor, const void* data, std::size_t size, int fl
     sent += QByteArray(static_cast<const char*>(data), static_cast<qsizetype>(size)).toHex();
     sockaddr_in own{};
     if (faults.badChecksums && ::getsockname(descriptor, reinterpret_cast<sockaddr*>(&own), &length) == 0) {
-        strangers.emplace_back(sendBadChecksums, own);
+        senders.emplace_back(sendBadChecksums, own);
     }
     return result;
 }
@@ -97,22 +97,22 @@ namespace {
 const QString failed = u"Cant able to receive anything %1|"_s;
 const QString timedOut = failed.arg(u"Resource temporarily unavailable"_s);
 
-// The messages as they stand in RFC 1157's encoding, with the community "public".
+// The requests in the encoding of RFC 1157, with the community "public".
 const QByteArray probe = "302402010004067075626c6963a117020101020100020100300c300a06062b060102012b0500";
 const QByteArray deviceIdRequest =
     "302d02010004067075626c6963a02002010202010002010030153013060f2b06010401950b01020102010103010500";
 
-/// A printer that sends these bytes for its device id.
+/// A printer that replies to the device id request with these bytes.
 QString raw(int host, const QByteArray& reply) {
     return u"10.0.0.%1 raw "_s.arg(host) + QString::fromLatin1(reply.toHex());
 }
 
-/// The records of a printer that is asked.
-QString asked(int host, const QString& outcome = {}) {
+/// The records of a device id request.
+QString queried(int host, const QString& outcome = {}) {
     return u"Waiting for receive from 2@@@ |IP address is: 10.0.0.%1|"_s.arg(host) + outcome;
 }
 
-/// The outcome for one of the series; `count` is the length of the list by then.
+/// The records of a printer of the series; `count` is the new length of the list.
 QString added(int count, const QString& model, const QString& maker = u"Tovik"_s) {
     return u"Response is %2|Count Inside Is %1|Printer manufacture is %3|Printer modal is %2|"_s.arg(
         QString::number(count), model, maker);
@@ -129,10 +129,10 @@ class TestPrinterDiscovery : public QObject {
         QCOMPARE(::setrlimit(RLIMIT_NOFILE, &limit), 0);
     }
 
-    void splitsDeviceIds() {
+    void parsesDeviceIds() {
         const QByteArray x(252, 'x');
         QCOMPARE(fieldsOf("MFG:" + x.left(251)), x.left(29) + "|||||");
-        QCOMPARE(fieldsOf("MFG:" + x), "none");  // As long as the buffer.
+        QCOMPARE(fieldsOf("MFG:" + x), "none");  // No room for the terminator.
         QCOMPARE(fieldsOf("MFG:T;CMD:X;MDL:M;CLS:P;DES:a b;SERN:A1; B2"), "T|X|M|P|a b|A1;");
         QCOMPARE(fieldsOf("MFG:T;CMD:;MDL:M"), "T|||||");
         const QByteArray cut = x.left(19) + '|';
@@ -141,7 +141,7 @@ class TestPrinterDiscovery : public QObject {
                  "T|" + cut + cut + cut + x.left(49) + '|' + x.left(65));
     }
 
-    void knowsTheModels() {
+    void acceptsTheModels() {
         for (const QByteArray model : {"KV210", "KV260", "KV410", "KV460"}) {
             for (const QByteArray& text : {"TVK " + model, "TVK " + model + "N", model, model + "N"}) {
                 QVERIFY2(IsQuazel(text), text);
@@ -151,15 +151,15 @@ class TestPrinterDiscovery : public QObject {
         QVERIFY(!IsQuazel("") && !IsQuazel("KV210NN"));
     }
 
-    void findsTheSeries() {
-        QCOMPARE(std::system("ip link set lan0 down"), 0);  // Nothing is sent there.
+    void findsPrintersOfTheSeries() {
+        QCOMPARE(std::system("ip link set lan0 down"), 0);  // It must not be probed.
         const QByteArray id = deviceId(u"KV410"_s).toLatin1();
         const VirtualPrinters subnet({
             u"10.0.0.1 answers "_s + deviceId(u"TVK KV260N"_s),
             u"10.0.0.2 twice "_s + deviceId(u"KV210"_s),
             u"10.0.0.3 answers MFG:Other;CMD:X;MDL:LP1;CLS:PRINTER;DES:x;SERN:1"_s,
             u"10.0.0.5 late 300 "_s + deviceId(u"KV460N"_s),
-            // A maker that would be a format or a record, were it taken for one.
+            // The manufacturer must not be used as a format; its line feed splits a record.
             raw(6, "MFG:100%n%s\nvik;CMD:X;MDL:KV410;CLS:P;DES:d;SERN:1"),
             raw(7, QByteArray(1024 - id.size(), '\0') + id + "xxx"),
         });
@@ -168,9 +168,9 @@ class TestPrinterDiscovery : public QObject {
         QCOMPARE(takeLog(home_).join(u'|'),
                  u"GetTovikQuazelPrinters|**** 127.0.0.1|"_s + u"Waiting for Recevfrom|"_s.repeated(7) +
                      u"Out of While loop|Total Printers avialable in the Network 7|"_s +
-                     asked(1, added(2, u"TVK KV260N"_s)) + asked(2, added(3, u"KV210"_s)) +
-                     asked(2, added(3, u"KV210"_s)) + asked(3) + asked(5, added(4, u"KV460N"_s)) +
-                     asked(6, added(5, u"KV410"_s, u"100%n%s|vik"_s)) + asked(7, added(6, u"KV410"_s)) +
+                     queried(1, added(2, u"TVK KV260N"_s)) + queried(2, added(3, u"KV210"_s)) +
+                     queried(2, added(3, u"KV210"_s)) + queried(3) + queried(5, added(4, u"KV460N"_s)) +
+                     queried(6, added(5, u"KV410"_s, u"100%n%s|vik"_s)) + queried(7, added(6, u"KV410"_s)) +
                      u"Returning to UI**"_s);
         QCOMPARE(g_PrinterList->join(u'|').remove(u'\n'),
                  u"Enter IP Address Manually|Tovik KV260 @10.0.0.1|Tovik KV210 @10.0.0.2|"
@@ -178,14 +178,14 @@ class TestPrinterDiscovery : public QObject {
         QCOMPARE(sent, QByteArrayList{probe} + QByteArrayList(7, deviceIdRequest));
     }
 
-    /// There are two local addresses, and a second of quiet on each.
-    void endsInTime() {
+    /// There are two local addresses; collection takes at least one second on each.
+    void endsInBoundedTime() {
         const auto badSocket = [](bool hasDescriptor) { return hasDescriptor ? fail(EBADF) : 0; };
         const auto ready = [](bool) { return 1; };
         const auto alwaysSignal = [](bool) { return fail(EINTR); };
         const auto oneSignal = [count = 0](bool) mutable { return count++ == 0 ? fail(EINTR) : 0; };
-        const auto signalAtQuestion = [] { return fail(EINTR); };
-        const auto noPatience = [] { return 0; };
+        const auto signalAtRequest = [] { return fail(EINTR); };
+        const auto timeOut = [] { return 0; };
         const QString select = u"Select return -1 %1|"_s;
         const QString interrupted = select.arg(EINTR);
         const QString badDescriptor = failed.arg(u"Bad file descriptor"_s);
@@ -193,16 +193,16 @@ class TestPrinterDiscovery : public QObject {
         const QString none = u"Total 0|"_s;
         const QString two = u"Total 2|"_s;
         run("no socket for the probes", {.socketsLeft = 0}, 1, none, 2);
-        run("no socket for the questions", {.socketsLeft = 2}, 1, two + badDescriptor.repeated(2), 2);
-        run("sockets that fit no descriptor set", {.lowestDescriptor = FD_SETSIZE}, 1, none, 2);
+        run("no socket for the requests", {.socketsLeft = 2}, 1, two + badDescriptor.repeated(2), 2);
+        run("descriptors beyond FD_SETSIZE", {.lowestDescriptor = FD_SETSIZE}, 1, none, 2);
         run("select fails on every socket", {.select = badSocket}, 1, select.arg(EBADF).repeated(2) + none,
             2);
         run("select always fails", {.select = alwaysSignal}, 1, interrupted.repeated(256) + none, 0);
-        run("announced but not there", {.select = ready}, 0, timedOut.repeated(256) + none, 0);
-        run("a signal arrives", {.select = oneSignal, .poll = noPatience}, 1,
+        run("datagrams announced but missing", {.select = ready}, 0, timedOut.repeated(256) + none, 0);
+        run("a signal during collection", {.select = oneSignal, .poll = timeOut}, 1,
             interrupted + two + timedOut.repeated(2), 2);
-        run("signals arrive at a question", {.poll = signalAtQuestion}, 1, two + signalled.repeated(2), 2);
-        run("a flood of datagrams", {.poll = noPatience}, 300, u"Total 256|"_s + timedOut.repeated(256), 0);
+        run("signals during a request", {.poll = signalAtRequest}, 1, two + signalled.repeated(2), 2);
+        run("a flood of datagrams", {.poll = timeOut}, 300, u"Total 256|"_s + timedOut.repeated(256), 0);
         run("bad checksums", {.badChecksums = true}, 1, two + timedOut.repeated(2), 4);
     }
 
@@ -215,8 +215,8 @@ class TestPrinterDiscovery : public QObject {
         return text ? fields.join('|') : "none";
     }
 
-    /// A run among silent printers: the records of what went wrong and of the total, and the seconds it
-    /// takes, at least; less than two more.
+    /// Runs discovery with silent printers. `records` are those of failures and of the total; the run takes
+    /// at least `seconds`, and less than two more.
     void run(const char* name, const Faults& set, int printers, const QString& records, int seconds) {
         QStringList lines;
         for (int host = 0; host < printers; ++host) {
@@ -230,9 +230,9 @@ class TestPrinterDiscovery : public QObject {
         GetTovikQuazelPrinters();
         faults = {};
         const qint64 elapsed = timer.elapsed();
-        strangers.clear();
-        const QRegularExpression told(u"^(Select|Cant|Total|Returning)"_s);
-        QString log = takeLog(home_).filter(told).join(u'|');
+        senders.clear();
+        const QRegularExpression reported(u"^(Select|Cant|Total|Returning)"_s);
+        QString log = takeLog(home_).filter(reported).join(u'|');
         QVERIFY2(log.remove(u"Printers avialable in the Network "_s) == records + u"Returning to UI**"_s &&
                      *g_PrinterList == QStringList(u"Enter IP Address Manually\n"_s) &&
                      elapsed >= seconds * 1000 && elapsed < seconds * 1000 + 1900,

@@ -29,7 +29,7 @@ QStringList takeLog(const TemporaryHome& home) {
     QString text = u'\n' + QString::fromUtf8(contentOf(home.log()));
     text.replace(u"\n" QUAZEL_BUILD_DATE "\t"_s, u"\n"_s);
     QFile::remove(home.log());
-    text.chop(text.endsWith(u'\n') ? 1 : 0);  // The last record's own line end.
+    text.chop(text.endsWith(u'\n') ? 1 : 0);  // The line end of the last record.
     return text.split(u'\n').mid(1);
 }
 
@@ -53,7 +53,7 @@ VirtualPrinters::VirtualPrinters(const QStringList& lines)
     : process_(QStringLiteral(QUAZEL_BIN_DIR "/virtual-printers ") +
                writeFile(folder_.filePath(u"printers"_s), lines.join(u'\n').toUtf8())) {
     if (process_.readLine() != "ready\n") {
-        qFatal("the virtual printers do not get ready");
+        qFatal("virtual-printers does not start");
     }
 }
 

@@ -1,4 +1,4 @@
-// What several tests stand on: main(), a home folder of their own, both logs read back, and a subnet of
+// Shared by the tests: main(), a temporary home folder, access to both logs, spawned programs and virtual
 // printers.
 
 #pragma once
@@ -10,7 +10,7 @@
 #include <cstdio>
 #include <utility>
 
-// QTRY_VERIFY of Qt 6.8 narrows a duration where it is used.
+// QTRY_VERIFY of Qt 6.8 contains a narrowing conversion.
 #pragma GCC diagnostic ignored "-Wconversion"
 
 using namespace Qt::StringLiterals;
@@ -18,8 +18,8 @@ using namespace Qt::StringLiterals;
 template <class Test, class Application>
 int runTest(int argc, char** argv, bool needsPrivateNetwork) {
     if (needsPrivateNetwork && qgetenv("QUAZEL_PRIVATE_NETWORK") != "10.0.0") {
-        std::puts("SKIPPED: needs a network of its own (tools/private-network --bridge)");
-        return 77;  // By which ctest knows a skipped test.
+        std::puts("SKIPPED: needs a private network (run it by tools/private-network --bridge)");
+        return 77;  // SKIP_RETURN_CODE
     }
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
@@ -35,8 +35,8 @@ int runTest(int argc, char** argv, bool needsPrivateNetwork) {
         return runTest<Class, Application>(argc, argv, NEEDS_PRIVATE_NETWORK); \
     }
 
-/// A home folder that lasts as long as this object; the process's documents and settings lie in it. Made
-/// before anything asks for a folder.
+/// A temporary home folder for the process's documents and settings, removed with this object. Create it
+/// before any path is looked up.
 class TemporaryHome {
   public:
     TemporaryHome();
@@ -50,18 +50,18 @@ class TemporaryHome {
     QTemporaryDir folder_;
 };
 
-/// A file's bytes; null when it can't be read.
+/// A file's bytes; null if it can't be read.
 [[nodiscard]] QByteArray contentOf(const QString& path);
 
 /// Returns the path.
 QString writeFile(const QString& path, const QByteArray& content);
 
 /// The messages of the diagnostic log since the last call, without the build date and tab before each.
-/// Continuation lines of a message are lines of their own.
+/// Each line of a multi-line message is a separate item.
 [[nodiscard]] QStringList takeLog(const TemporaryHome& home);
 
-/// Catches the lines of the category "quazel.page" as long as it lives. One at a time, made after the test
-/// has begun, as Qt Test has a handler of its own.
+/// Captures the lines of the category "quazel.page" during its lifetime. One at a time; create it after the
+/// test has started, as Qt Test installs its own message handler.
 class SystemLogCapture {
   public:
     SystemLogCapture() { previous_ = qInstallMessageHandler(append); }
@@ -84,22 +84,21 @@ class SystemLogCapture {
     static inline QtMessageHandler previous_ = nullptr;
 };
 
-/// A program in a process of its own. Ends with this object, and with the test should that die. Not a
-/// QProcess: ThreadSanitizer takes the way that starts one for a fork of the test, and reports nothing from
-/// then on.
+/// A child process, killed with this object or when the test exits in any way. Not a QProcess: the way it
+/// starts programs looks like a fork of the test to ThreadSanitizer, which then stops reporting.
 class SpawnedProgram {
   public:
-    /// A command of the shell; it shares the test's environment and standard error.
+    /// Runs a shell command with the test's environment and standard error.
     explicit SpawnedProgram(const QString& command);
     Q_DISABLE_COPY_MOVE(SpawnedProgram)
     ~SpawnedProgram() { end(SIGKILL); }
 
-    /// The next line of its standard output, waited for; empty at the end.
+    /// Waits for the next line of its standard output; empty at the end.
     [[nodiscard]] QByteArray readLine();
 
     void send(int signal) const { ::kill(pid_, signal); }
 
-    /// Sends the signal and waits for the end.
+    /// Sends the signal and waits until the process has ended.
     void end(int signal);
 
   private:
@@ -107,10 +106,10 @@ class SpawnedProgram {
     int pid_;
 };
 
-/// A subnet of printers in a process of its own; needs a network of its own. Ends with this object.
+/// A virtual-printers process, stopped with this object. Needs a private network.
 class VirtualPrinters {
   public:
-    /// Lines as the tool takes them. Returns when all listen.
+    /// `lines` as in the tool's list file. Returns when all printers listen.
     explicit VirtualPrinters(const QStringList& lines);
 
   private:
@@ -118,5 +117,5 @@ class VirtualPrinters {
     SpawnedProgram process_;
 };
 
-/// A complete device id of the series' form with the given model text.
+/// A complete device id with the given model text.
 [[nodiscard]] QString deviceId(const QString& model);

@@ -1,5 +1,5 @@
-// What the page must do, without widgets, threads or an event loop: the state of its controls, how each input
-// changes it, and the records, alerts and beeps that follow.
+// A model of the page without widgets, threads or an event loop: the state of its controls, how each input
+// changes it, and the resulting records, alerts and beeps.
 
 #pragma once
 
@@ -36,10 +36,10 @@ struct PageModel {
     QString file;
     QString summary;
     QStringList effects;       // records, alerts and beeps of the last input, in order
-    int sincePress = 0;        // ms from the last press of Continue or Go Back that counted
-    bool isInstalled = false;  // whether the print service has the queue that is looked up
+    int sincePress = 0;        // ms since the last press of Continue or Go Back that counted
+    bool isInstalled = false;  // whether the print service has the queue looked for
 
-    /// All that is compared, on one line.
+    /// Everything that is compared, on one line.
     [[nodiscard]] QString text() const {
         QString text;
         QDebug(&text).noquote() << "step" << step << "type" << type << "box" << isBoxShown << "list"
@@ -50,7 +50,7 @@ struct PageModel {
         return text;
     }
 
-    /// A press by a key, by the mouse (Key_unknown) or by neither.
+    /// A press by a key, by the mouse (Key_unknown) or by an assistive program (no key).
     void press(Button button, std::optional<Qt::Key> key = {}) {
         const bool isModel = button >= Kv210 && button <= Kv460;
         if (isModel && isFormShown() && areModelsEnabled) {
@@ -79,12 +79,12 @@ struct PageModel {
         }
     }
 
-    [[nodiscard]] bool isAddressFree() const { return isFormShown() && isAddressEnabled; }
+    [[nodiscard]] bool isAddressEditable() const { return isFormShown() && isAddressEnabled; }
 
-    /// The user wants the address field to hold `text`.
+    /// The user edits the address to become `text`.
     void edit(const QString& text) {
         static const QRegularExpression allowed(u"^[0-9.]{0,15}$"_s);
-        if (!isAddressFree() || text == address) {
+        if (!isAddressEditable() || text == address) {
             return;
         }
         if (allowed.match(text).hasMatch()) {
@@ -104,7 +104,7 @@ struct PageModel {
     }
 
   private:
-    std::optional<Qt::Key> lastKey;  // of that press
+    std::optional<Qt::Key> lastKey;  // of the last press that counted
     static inline const QString manualEntry = u"Enter IP Address Manually"_s;
     static inline const QStringList models{u"KV210"_s, u"KV260"_s, u"KV410"_s, u"KV460"_s};
 
@@ -113,7 +113,7 @@ struct PageModel {
     [[nodiscard]] bool isManual() const { return item() == manualEntry; }
     [[nodiscard]] QString itemModel() const { return item().section(u' ', 1, 1); }
 
-    /// Records as they stand in the file, with "|" between them.
+    /// Adds log records, separated by "|".
     void log(const QString& records) { effects += records.split(u'|'); }
 
     bool refuse(const QString& reason, const QStringList& records = {}) {
@@ -122,7 +122,7 @@ struct PageModel {
         return false;
     }
 
-    /// The second press of a double one does not count.
+    /// False for the second press of a double press.
     [[nodiscard]] bool isCounted(std::optional<Qt::Key> key) {
         if (key && key == lastKey && sincePress < doubleClickInterval) {
             return false;
@@ -143,7 +143,7 @@ struct PageModel {
         }
     }
 
-    /// Up to where it waits for printers.
+    /// Up to the point where discovery waits for printers.
     void startSearch() {
         log(u"GetPrinterIPThread|GetPrinterIP"_s);
         isSearching = true;
@@ -178,7 +178,7 @@ struct PageModel {
             step = Closed;
         } else {
             log(u"shouldExitPane|shouldExitPane  :: InstallerDirectionForward"_s);
-            if (type == 0 || decide()) {
+            if (type == 0 || mayContinue()) {
                 log(u"shouldExitPane  :: Return"_s);
                 step = Summary;
                 summary = file.isEmpty() ? QString()
@@ -196,7 +196,7 @@ struct PageModel {
         log(u"Return from didEnterPane"_s);
     }
 
-    [[nodiscard]] bool decide() {
+    [[nodiscard]] bool mayContinue() {
         log(u"Row Value is Here|Line No 981| Value is Here %1|Line No 989| Value IP is Here %2"_s.arg(
             item(), address));
         if (isManual() && address.isEmpty()) {
@@ -214,7 +214,7 @@ struct PageModel {
         return isModelRight() && commit();
     }
 
-    /// A typed address that occurs in a found line stands for the manufacturer, which counts as column 0.
+    /// A typed address that occurs in the list yields the manufacturer, which maps to column 0.
     [[nodiscard]] bool isModelRight() {
         const bool isKnown = !items.filter(address).isEmpty();
         log(isManual() && isKnown ? u"IsIPAvalaibleInList|IsIPAvalaibleInList"_s : u"IsIPAvalaibleInList"_s);

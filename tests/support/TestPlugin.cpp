@@ -1,5 +1,5 @@
-// A plug-in without a page, for the contract PLUGIN_IID. If that is another one than the installer's, no code
-// of it may run.
+// A plug-in without a page, for the contract PLUGIN_IID. If that is not the installer's contract, none of its
+// code may run: it ends the process.
 
 #include "InstallerPlugins/InstallerPluginFactory.h"
 

@@ -1,13 +1,13 @@
-# To be sourced by tests of programs: what a program says, and its exit status.
+# Sourced by the tests of programs: checks a program's output and exit status.
 
-# expect STATUS TEXT COMMAND [ARG...]: ends the test unless COMMAND ends so and says TEXT, among other things, on
-# standard output or error.
+# expect STATUS TEXT COMMAND [ARG...]: fails the test unless COMMAND exits with STATUS and its standard output or
+# error contains TEXT.
 expect() {
-    local status=$1 text=$2 said found=0
+    local status=$1 text=$2 output actual=0
     shift 2
-    said=$("$@" 2>&1) || found=$?
-    if [[ $found != "$status" || $said != *"$text"* ]]; then
-        printf '%s\nended with %s instead of %s, or without saying "%s":\n%s\n' "$*" "$found" "$status" "$text" "$said"
+    output=$("$@" 2>&1) || actual=$?
+    if [[ $actual != "$status" || $output != *"$text"* ]]; then
+        printf '%s\nexit status %s, not %s, or no "%s" in the output:\n%s\n' "$*" "$actual" "$status" "$text" "$output"
         exit 1
     fi
 }
