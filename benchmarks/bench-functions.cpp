@@ -1,7 +1,6 @@
-// Functions of ours, NAME/product, and the least that could do the same, NAME/bare; --benchmark_filter
-// chooses. run.py makes HOME and TMPDIR, and for discovery a private network, whose only local address is
-// 127.0.0.1, with as many virtual printers as BENCH_PRINTERS tells, 255 at the most; for check the queues of
-// CUPS_SERVER.
+// Benchmarks of product functions (NAME/product), each next to a minimal equivalent (NAME/bare). run.py sets
+// HOME and TMPDIR. "discovery" needs a private network with 127.0.0.1 as its only local address and
+// BENCH_PRINTERS virtual printers, at most 255; "check" uses the queues of CUPS_SERVER.
 
 #include "discovery/InstalledPrinters.h"
 #include "discovery/PrinterDiscovery.h"
@@ -37,12 +36,12 @@ double secondsSince(Clock::time_point start) {
     return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
-// Discovery: both send the same datagrams, wait the same quiet time, ask each responder in turn and return
-// the number of printers. The bare one logs nothing and keeps nothing.
+// Discovery: both send the same datagrams, wait the same time, query each responder in turn and return the
+// number of printers. The bare one neither logs nor stores results.
 
 int productDiscovery() {
     GetTovikQuazelPrinters();
-    return static_cast<int>(g_PrinterList->count()) - 1;  // The first entry is no printer.
+    return static_cast<int>(g_PrinterList->count()) - 1;  // The first entry is not a printer.
 }
 
 template <typename Request>
@@ -56,7 +55,7 @@ int socketWithRequest(in_addr_t to, const Request& request) {
     return descriptor;
 }
 
-/// Waits a second. Returns the sender, or INADDR_ANY if there was nothing; `reply` holds 1024 bytes.
+/// Waits up to a second for a datagram. Returns its sender, or INADDR_ANY; `reply` has 1024 bytes.
 in_addr_t senderOf(int descriptor, char* reply) {
     fd_set readable;
     FD_ZERO(&readable);
@@ -101,7 +100,7 @@ void discovery(benchmark::State& state) {
     }
 }
 
-// One record of the diagnostic log, and open, write and close of as many bytes.
+// One record of the diagnostic log; and open, write and close with the same number of bytes.
 
 void productRecord() {
     tDebugPrint("IP address is: %s\n", "10.0.0.200");
@@ -124,8 +123,8 @@ void record(benchmark::State& state) {
 
 // The installed-printer check, and the same libcups calls.
 
-/// What keeps a service that never answers from holding the check up.
-void askWhetherTheServiceAnswers() {
+/// The product's check for a service that never responds.
+void checkThatTheServiceResponds() {
     http_t* const service =
         httpConnect2(cupsServer(), ippPort(), nullptr, AF_UNSPEC, HTTP_ENCRYPTION_NEVER, 1, 10'000, nullptr);
     httpClearFields(service);
@@ -135,7 +134,7 @@ void askWhetherTheServiceAnswers() {
 }
 
 void bareCheck() {
-    askWhetherTheServiceAnswers();
+    checkThatTheServiceResponds();
     cups_dest_t* list = nullptr;
     const int count = cupsGetDests2(CUPS_HTTP_DEFAULT, &list);
     for (int index = 0; index < count; ++index) {
@@ -159,7 +158,7 @@ void check(benchmark::State& state) {
     for ([[maybe_unused]] auto _ : state) {
         Check();
         state.PauseTiming();
-        // The links that cupsGetPPD2 makes stay. A thousand at each turn would slow the next one down.
+        // cupsGetPPD2 leaves its links behind; a thousand per iteration would slow down the next one.
         for (const auto& link : std::filesystem::directory_iterator(std::filesystem::temp_directory_path())) {
             std::filesystem::remove(link);
         }
@@ -169,8 +168,8 @@ void check(benchmark::State& state) {
 
 }  // namespace
 
-/// In the C library's place, for both sides. The kernel may end a wait of a second a millisecond late, more
-/// than ten printers cost: what a printer costs shows only without the waits.
+/// Replaces the C library's, for both sides, to subtract the waits: the kernel may end a wait of one second a
+/// millisecond late, which is more than ten printers cost.
 // NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 extern "C" int select(int count, fd_set* read, fd_set* write, fd_set* except, timeval* wait) {
     static const auto original = reinterpret_cast<decltype(&select)>(::dlsym(RTLD_NEXT, "select"));
@@ -188,7 +187,7 @@ BENCHMARK(check<GetInstalledPrinterList>)->Name("check/product");
 BENCHMARK(check<bareCheck>)->Name("check/bare");
 
 int main(int argc, char** argv) {
-    productRecord();  // The first one begins the log; it is not what is measured.
+    productRecord();  // The first record also creates the log; don't measure that.
     g_ModelName = QStringLiteral("Tovik-KV410-Ethernet-Printer-IP=10.0.0.200");
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();

@@ -1,7 +1,6 @@
-// bench-stall PLUGINS PRINTERS: the installer's window with the pages of the folder PLUGINS, led to a
-// discovery. Prints the longest time, in milliseconds, for which its main thread did not come round to a
-// timer of one millisecond. Fails outside of a private network, and when the list does not have PRINTERS
-// printers at the end.
+// bench-stall PLUGINS PRINTERS: opens the installer's window with the pages of the folder PLUGINS and runs a
+// discovery. Prints the longest time, in milliseconds, between two timeouts of a one-millisecond timer on the
+// main thread. Fails outside a private network, and if the list does not have PRINTERS printers at the end.
 
 #include "Installer/HandOffFolder.h"
 #include "Installer/InstallerWindow.h"
@@ -23,30 +22,29 @@
 namespace {
 
 constexpr int settleMilliseconds = 500;
-constexpr int searchMilliseconds =
-    3000;  // With 256 printers the table is full, and the search doesn't wait for more.
+constexpr int searchMilliseconds = 3000;  // With 256 printers the table is full and collection ends early.
 
 void spin(int milliseconds) {
     QTimer::singleShot(milliseconds, qApp, &QCoreApplication::quit);
     QCoreApplication::exec();
 }
 
-/// From the click that starts the search until the window has come to rest after it.
+/// Measured from the click that starts the search until the window is idle again.
 double longestStall(InstallerWindow& window) {
     auto* const next = window.findChild<QPushButton*>(QStringLiteral("next"));
     next->click();
     auto* const types = window.findChild<QWidget*>(QStringLiteral("radiobtnPrinterType"));
     spin(settleMilliseconds);
     qint64 longest = 0;
-    QElapsedTimer sinceLastBeat;
-    QTimer heart;
-    heart.setTimerType(Qt::PreciseTimer);
-    QObject::connect(&heart, &QTimer::timeout, [&longest, &sinceLastBeat] {
-        longest = std::max(longest, sinceLastBeat.nsecsElapsed());
-        sinceLastBeat.start();
+    QElapsedTimer sinceTimeout;
+    QTimer timer;
+    timer.setTimerType(Qt::PreciseTimer);
+    QObject::connect(&timer, &QTimer::timeout, [&longest, &sinceTimeout] {
+        longest = std::max(longest, sinceTimeout.nsecsElapsed());
+        sinceTimeout.start();
     });
-    sinceLastBeat.start();
-    heart.start(1);
+    sinceTimeout.start();
+    timer.start(1);
     // From a timer, as a user's click comes from the event loop.
     QTimer::singleShot(0, types, [types] { types->findChildren<QRadioButton*>().at(1)->click(); });
     spin(searchMilliseconds);
@@ -70,7 +68,7 @@ int main(int argc, char** argv) {
     const double stall = longestStall(window);
     const int printers = window.findChild<QComboBox*>(QStringLiteral("PrinterIP"))->count() - 1;
     if (printers != std::atoi(argv[2])) {
-        std::fprintf(stderr, "bench-stall: the list has %d printers\n", printers);
+        std::fprintf(stderr, "bench-stall: the list has %d printers instead of %s\n", printers, argv[2]);
         return 1;
     }
     return std::printf("%.3f\n", stall) > 0 ? 0 : 1;

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""Measures the build of the preset "bench" and prints one table; ./bench is how to call it.
+"""Measures the build of the preset "bench" and prints one table; run it by ./bench.
 
-Every figure but the stall is the median of ratios of two things measured in turn, in the same run. Needs a network
-and a desktop of its own (tools/private-network, tools/desktop).
+Every value except the stall is the median of ratios between two operations measured in the same run. Needs a private
+network and desktop (tools/private-network, tools/desktop).
 """
 
 import argparse
@@ -21,20 +21,20 @@ TOP = pathlib.Path(__file__).resolve().parent.parent
 BUILD = TOP / "build/bench"
 BIN = BUILD / "bin"
 DEVICE_ID = "MFG:Tovik;CMD:KVL;MDL:TVK KV410;CLS:PRINTER;DES:Tovik KV410;SERN:%d;"
-COUNTS = (1, 16, 64, 255)  # With 256 the table of responders is full, and neither side waits for more.
+COUNTS = (1, 16, 64, 255)  # With 256 the table is full, and collection ends without the quiet second.
 
 
 class Row(NamedTuple):
     what: str
     against: str
-    values: list  # one a repetition
+    values: list  # one per repetition
     target: float
 
     def median(self):
         return statistics.median(self.values)
 
     def is_missed(self, short):
-        """Few repetitions are noisier, so their limit is as far beyond the target as the target is from 1."""
+        """A short run is noisier, so its limit exceeds the target by the target's distance from 1."""
         return self.median() > self.target + (abs(self.target - 1) if short else 0)
 
     def __str__(self):
@@ -50,7 +50,7 @@ def environment(folder, **more):
 
 
 def run(command, env):
-    """Returns the output; the messages matter only when it fails."""
+    """Returns standard output; raises RuntimeError with standard error on failure."""
     done = subprocess.run(command, env=env, capture_output=True, text=True, timeout=300, check=False)
     if done.returncode != 0:
         raise RuntimeError(f"{command[0]} ended with {done.returncode}:\n{done.stderr}")
@@ -59,11 +59,11 @@ def run(command, env):
 
 @contextlib.contextmanager
 def background(command, env, ready):
-    """A program that is ready once it prints a line that begins so."""
+    """Runs a program in the background once it has printed a line that starts with `ready`."""
     process = subprocess.Popen(command, env=env, stdout=subprocess.PIPE, text=True)
     try:
         if not any(line.startswith(ready) for line in process.stdout):
-            raise RuntimeError(f"{command[0]} does not get ready")
+            raise RuntimeError(f"{command[0]} did not start")
         yield
     finally:
         process.terminate()
@@ -78,7 +78,7 @@ def virtual_printers(folder, count):
 
 
 def google_benchmark(folder, name, repetitions, wrapper=(), **more):
-    """One pair of entries, product and bare, a repetition; they run in random order."""
+    """Returns a pair of entries, product and bare, per repetition; they run in random order."""
     out = folder / "benchmark.json"
     run([*wrapper, BIN / "bench-functions", f"--benchmark_filter=^{name}/", f"--benchmark_repetitions={repetitions}",
          "--benchmark_enable_random_interleaving=true", "--benchmark_min_time=0.02", f"--benchmark_out={out}"],
@@ -103,19 +103,19 @@ def measure_discovery(folder, short):
             pairs[count] = google_benchmark(folder, "discovery", 5 if short else 15, BENCH_PRINTERS=str(count))
 
     def growth(side, without):
-        """Load only ever adds to a time, so the quickest rounds show best how the cost grows."""
+        """Uses the fastest rounds, as load can only slow a round down."""
         least = {count: min(pair[side]["beyond_the_waits"] for turn, pair in enumerate(pairs[count]) if turn != without)
                  for count in COUNTS}
         return (least[255] - least[64]) / (255 - 64) / ((least[64] - least[16]) / (64 - 16))
 
-    # Each round is left out once. Where the bare loop's cost grows too, it is the machine that is busy.
+    # Leave out each round once (jackknife). If the bare loop's cost grows too, the cause is load.
     flatness = [growth(0, without) / max(1, growth(1, without)) for without in range(len(pairs[1]))]
     return [*(Row(f"discovery, {count} printer(s)", "bare C loop", ratios(pairs[count]), 1.02) for count in COUNTS),
             Row("cost per printer, 64 to 255", "16 to 64", flatness, 1.1)]
 
 
 def measure_peer(folder, short):
-    """net-snmp's agent is one printer that CUPS recognises too; its raw print port is open."""
+    """Runs net-snmp's agent as a printer that CUPS also recognises, with an open raw print port."""
     (folder / "snmp.conf").write_text("Address 127.0.0.1\nCommunity public\n")
     (folder / "snmpd.conf").write_text(
         "agentaddress udp:0.0.0.0:161\nrocommunity public\n"
@@ -126,7 +126,7 @@ def measure_peer(folder, short):
     env = environment(folder, CUPS_SERVERROOT=str(folder), MIBS="", SNMP_PERSISTENT_DIR=str(folder / "agent"),
                       PATH="/usr/sbin:" + os.environ["PATH"])
     agent = ["snmpd", "-f", "-Lo", "-C", "-c", folder / "snmpd.conf"]
-    # grep fails, and so does hyperfine, when the printer is not found.
+    # Without the printer, grep fails, and so does hyperfine.
     commands = [f"{BIN}/kv-discover | grep 'KV410 @127.0.0.1'", "/usr/lib/cups/backend/snmp | grep socket://127.0.0.1"]
     out = folder / "hyperfine.json"
     with background(agent, env, "NET-SNMP version"), socket.create_server(("127.0.0.1", 9100)):
@@ -174,11 +174,11 @@ def measured(name, short):
 
 
 def main():
-    parser = argparse.ArgumentParser(prog="bench", description="Measures what the installer costs. Exit status: 1 when "
+    parser = argparse.ArgumentParser(prog="bench", description="Measures the installer's costs. Exit status: 1 if "
                                                                "a target is missed twice in a row.")
     parser.add_argument("--short", action="store_true",
-                        help="fewer repetitions; a ratio may be as much again beyond its target")
-    parser.add_argument("--only", choices=GROUPS, action="append", help="measure only this (may be repeated)")
+                        help="fewer repetitions and wider limits")
+    parser.add_argument("--only", choices=GROUPS, action="append", help="measure only this group (may be repeated)")
     arguments = parser.parse_args()
 
     rows = []
@@ -187,11 +187,11 @@ def main():
         if any(row.is_missed(arguments.short) for row in group):
             group = measured(name, arguments.short)
         rows += group
-    print(f"| {'what':36} | {'against':22} | median | {'spread':16} | target | met |")
+    print(f"| {'operation':36} | {'compared with':22} | median | {'spread':16} | target | met |")
     print(f"|-{'-' * 36}-|-{'-' * 22}-|--------|-{'-' * 16}-|--------|-----|", *rows, sep="\n")
     missed = [row.what for row in rows if row.is_missed(arguments.short)]
     if missed:
-        sys.exit(f"Missed, twice: {', '.join(missed)}")
+        sys.exit(f"Missed twice: {', '.join(missed)}")
 
 
 if __name__ == "__main__":

@@ -1,9 +1,9 @@
-# QUAZEL_BUILD_DATE: the date that stands before every record of the diagnostic log, such as "Nov 4 2023": month,
-# day without a leading zero and year, with single spaces. It is the day of the build, or that of SOURCE_DATE_EPOCH
-# in the build's environment, so that builds reproduce.
+# QUAZEL_BUILD_DATE: the date at the start of every record of the diagnostic log, such as "Nov 4 2023": month, day
+# without a leading zero and year, separated by single spaces. It is the day of the build, or of SOURCE_DATE_EPOCH if
+# set, for reproducible builds.
 #
-# Targets that link quazel_build_date get it from "BuildDate.h". Every build runs this file as a script, which writes
-# that header only when the day has changed.
+# Targets that link quazel_build_date include it as "BuildDate.h". Every build runs this file as a script, which
+# rewrites the header only if the day has changed.
 
 if(NOT CMAKE_SCRIPT_MODE_FILE)
     set(_folder ${CMAKE_BINARY_DIR}/generated)
@@ -17,7 +17,7 @@ if(NOT CMAKE_SCRIPT_MODE_FILE)
     return()
 endif()
 
-# string(TIMESTAMP) reads SOURCE_DATE_EPOCH by itself. The month's name does not depend on the locale here.
+# string(TIMESTAMP) uses SOURCE_DATE_EPOCH if set. The month names here don't depend on the locale.
 string(TIMESTAMP _now "%m;%d;%Y" UTC)
 list(GET _now 0 _month)
 list(GET _now 1 _day)

@@ -1,11 +1,11 @@
-# To be sourced: Debian systems with nothing but the base, in folders. $as_root is (sudo) or empty.
+# Sourced: minimal Debian systems in folders. The array as_root is (sudo), or empty for root.
 
 as_root=()
 if ((EUID != 0)); then
     as_root=(sudo)
 fi
 
-# make_bare_debian SUITE FOLDER: from this machine's package sources, made those of SUITE.
+# make_bare_debian SUITE FOLDER: uses this machine's package sources, with the suite replaced by SUITE.
 make_bare_debian() {
     local file sources
     # shellcheck source=/dev/null
@@ -20,8 +20,8 @@ make_bare_debian() {
             --aptopt='Acquire::Retries "3"' "$1" "$2" -
 }
 
-# run_in FOLDER OUT SCRIPT: in the system in FOLDER, where the folder OUT is /out. Not by chroot, as there the kernel
-# refuses the user namespaces that the tests need.
+# run_in FOLDER OUT SCRIPT: runs SCRIPT in the system in FOLDER, with the folder OUT as /out. Not by chroot, as the
+# tests need user namespaces, which the kernel refuses in a chroot.
 run_in() {
     "${as_root[@]}" bwrap --die-with-parent --cap-add ALL --unshare-pid --bind "$1" / --bind "$2" /out \
         --dev /dev --proc /proc --ro-bind /sys /sys --chdir /out --clearenv \

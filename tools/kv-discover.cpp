@@ -17,8 +17,8 @@ constexpr int exitFound = 0;
 constexpr int exitNoneFound = 1;
 constexpr int exitUsage = 2;
 
-/// Writes one line of the search to standard error. Its model text is the network's: a terminal, which would
-/// obey control characters, gets all but printable ASCII as "\xHH".
+/// Writes one line of the search to standard error. Its model text comes from the network, so on a terminal,
+/// which would interpret control characters, bytes other than printable ASCII are shown as "\xHH".
 ssize_t writeModelText(void* /*cookie*/, const char* line, std::size_t size) {
     const bool isTerminal = ::isatty(STDERR_FILENO) != 0;
     QByteArray shown;
@@ -35,17 +35,17 @@ ssize_t writeModelText(void* /*cookie*/, const char* line, std::size_t size) {
     return static_cast<ssize_t>(size);
 }
 
-/// What the search itself prints to standard output goes to standard error, so that only printers are left.
+/// Redirects the search's own standard output to standard error, so that standard output has only printers.
 void search() {
     FILE* const output = stdout;
     stdout = ::fopencookie(nullptr, "w", {nullptr, writeModelText, nullptr, nullptr});  // glibc allows it.
-    std::setvbuf(stdout, nullptr, _IONBF, 0);  // Each print is one line, and one write.
+    std::setvbuf(stdout, nullptr, _IONBF, 0);  // Unbuffered: the search prints each line by one call.
     GetTovikQuazelPrinters();
     std::fclose(stdout);
     stdout = output;
 }
 
-/// The list's first entry is not a printer but the invitation to type an address.
+/// Skips the list's first entry, which is for typing an address.
 int printPrinters() {
     for (qsizetype index = 1; index < g_PrinterList->count(); ++index) {
         std::fputs(qUtf8Printable(g_PrinterList->at(index)), stdout);
@@ -62,12 +62,11 @@ int main(int argc, char** argv) {
 
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
-        "Searches this machine's networks for Tovik KV card printers and prints them, one a "
-        "line. The model texts\n"
-        "of all printers that answered go to standard error. The steps are in QzInstall.log in "
-        "the documents\n"
-        "folder; an earlier log is kept there under the date and time of its last record.\n\n"
-        "Exit status: 0 when a printer was found, 1 when none was, 2 for wrong usage."));
+        "Searches this machine's networks for Tovik KV card printers and prints them, one per\n"
+        "line. The model texts of all printers that responded are printed to standard error.\n"
+        "The search is logged to QzInstall.log in the documents folder; an earlier log is\n"
+        "renamed with the date and time of its last record.\n\n"
+        "Exit status: 0 if a printer was found, 1 if none was, 2 for wrong usage."));
     parser.addHelpOption();
     parser.addVersionOption();
     if (!parser.parse(QCoreApplication::arguments()) || !parser.positionalArguments().isEmpty()) {
@@ -76,7 +75,7 @@ int main(int argc, char** argv) {
                      reason.isEmpty() ? "it takes no arguments; see --help" : qUtf8Printable(reason));
         return exitUsage;
     }
-    parser.process(application);  // Answers --help and --version.
+    parser.process(application);  // Handles --help and --version.
 
     keepEarlierLog();
     search();

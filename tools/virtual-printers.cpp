@@ -1,9 +1,9 @@
 // A subnet of SNMP printers in one process, for the demo, the tests and the benchmarks.
-// One socket on 0.0.0.0:161 receives what is sent to any printer and to the all-hosts group; each answer
-// leaves from its printer's own address. The two requests of discovery (SNMPv1, RFC 1157, in BER) are
-// answered with any request id, other datagrams are recorded only. They are built here once more, so that a
-// mistake in the client's requests isn't repeated here. Limits: IPv4; 300 printers; device ids of 1400 bytes;
-// every address has to be local to this machine.
+// One socket on 0.0.0.0:161 receives all datagrams to the printers and to the all-hosts group; each reply has
+// its printer's source address. Replies only to the two requests of discovery (SNMPv1, RFC 1157, in BER),
+// with any request id. The requests are encoded independently of the client's code, so that the tests detect
+// mistakes in it. Limits: IPv4; 300 printers; device ids of up to 1400 bytes; every address must be local to
+// this machine.
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -31,7 +31,7 @@ constexpr quint16 snmpPort = 161;
 constexpr quint32 allHostsGroup = 0xE0000001;  // 224.0.0.1
 constexpr std::size_t maximumPrinters = 300;
 constexpr qsizetype maximumDeviceId = 1400;
-constexpr qsizetype maximumDatagram = 65507;  // What the headers of IPv4 and UDP leave of 65535 bytes.
+constexpr qsizetype maximumDatagram = 65507;  // 65535 minus the IPv4 and UDP headers.
 constexpr int maximumDelay = 600'000;
 
 constexpr int refused = 1;
@@ -80,8 +80,7 @@ QByteArray message(char pduTag, const QByteArray& requestId, const QByteArray& o
     return element(sequenceTag, zero + element(octetStringTag, "public") + element(pduTag, pdu));
 }
 
-/// The content of the request id, at its place in a short message with the community "public"; empty without
-/// one.
+/// The request id's content bytes, from a short message with the community "public"; empty if there is none.
 QByteArray requestIdOf(const QByteArray& datagram) {
     constexpr qsizetype lengthOffset = 16;
     const char length = datagram.size() > lengthOffset ? datagram[lengthOffset] : '\0';
@@ -93,7 +92,7 @@ QByteArray requestIdOf(const QByteArray& datagram) {
 struct Printer {
     QByteArray behaviour;
     int delay = 0;        ///< Milliseconds.
-    QByteArray deviceId;  ///< Of a raw one, the whole datagram.
+    QByteArray deviceId;  ///< For "raw", the whole datagram.
 };
 
 using Printers = std::map<quint32, Printer>;  ///< By IPv4 address.
@@ -105,21 +104,21 @@ QByteArray takeWord(QByteArray& rest) {
     return word;
 }
 
-/// Returns what is wrong with the line; nothing if it was added.
+/// Returns what is wrong with the line; empty if the printer was added.
 QByteArray addPrinter(Printers& printers, QByteArray line) {
     const QByteArray addressText = takeWord(line);
     const QHostAddress address(QString::fromLatin1(addressText));
     if (address.protocol() != QHostAddress::IPv4Protocol ||
         address.toString() != QString::fromLatin1(addressText)) {
-        return '"' + addressText + "\" is no IPv4 address";
+        return '"' + addressText + "\" is not an IPv4 address";
     }
     if (address == QHostAddress::AnyIPv4 || address.isBroadcast() || address.isMulticast()) {
-        return addressText + " is no address of one printer";
+        return addressText + " is not a unicast address";
     }
     Printer printer;
     printer.behaviour = takeWord(line);
     if (!QByteArrayList{"answers", "twice", "silent", "late", "raw"}.contains(printer.behaviour)) {
-        return '"' + printer.behaviour + "\" is none of answers, twice, silent, late, raw";
+        return '"' + printer.behaviour + "\" is not one of answers, twice, silent, late, raw";
     }
     if (printer.behaviour == "late") {
         bool isNumber = false;
@@ -131,12 +130,12 @@ QByteArray addPrinter(Printers& printers, QByteArray line) {
     printer.deviceId = line;
     if (printer.behaviour == "silent") {
         if (!line.isEmpty()) {
-            return "nothing follows \"silent\"";
+            return "\"silent\" has no arguments";
         }
     } else if (printer.behaviour == "raw") {
         printer.deviceId = line == "-" ? QByteArray() : QByteArray::fromHex(line);
         if (line != "-" && (line.isEmpty() || printer.deviceId.toHex() != line.toLower())) {
-            return '"' + line + "\" is no sequence of hexadecimal bytes";
+            return '"' + line + "\" is not a sequence of hexadecimal bytes";
         }
         if (printer.deviceId.size() > maximumDatagram) {
             return "a raw reply has at most 65507 bytes";
@@ -145,7 +144,7 @@ QByteArray addPrinter(Printers& printers, QByteArray line) {
         return "a device id has 1 to 1400 bytes";
     }
     if (!printers.try_emplace(address.toIPv4Address(), printer).second) {
-        return addressText + " has a printer already";
+        return addressText + " is listed twice";
     }
     return printers.size() > maximumPrinters ? "more than 300 printers" : QByteArray();
 }
@@ -183,13 +182,13 @@ class Subnet {
         }
         QObject::connect(&socket_, &QUdpSocket::readyRead, [this] {
             while (socket_.hasPendingDatagrams()) {
-                hear(socket_.receiveDatagram());
+                handle(socket_.receiveDatagram());
             }
         });
     }
 
   private:
-    void hear(const QNetworkDatagram& request) {
+    void handle(const QNetworkDatagram& request) {
         const quint32 to = request.destinationAddress().toIPv4Address();
         const auto found = printers_.find(to);
         if (to == allHostsGroup) {
@@ -203,7 +202,7 @@ class Subnet {
         }
     }
 
-    /// One write a line, so that a test that reads along never sees half of one.
+    /// One write per line, so that a reader never sees a partial line.
     void record(const QNetworkDatagram& request) {
         const QByteArray bytes = request.data().isEmpty() ? "-" : request.data().toHex();
         const QByteArray line = request.destinationAddress().toString().toLatin1() + ' ' + bytes + '\n';
@@ -239,7 +238,7 @@ class Subnet {
         }
     }
 
-    /// Not through QUdpSocket, which doesn't hand the sender's address to the kernel.
+    /// Not by QUdpSocket, which ignores the sender address of a datagram.
     void send(const QNetworkDatagram& reply) {
         sockaddr_in to{AF_INET, htons(static_cast<quint16>(reply.destinationPort())), {}, {}};
         to.sin_addr.s_addr = htonl(reply.destinationAddress().toIPv4Address());
@@ -252,7 +251,7 @@ class Subnet {
         QByteArray bytes = reply.data();
         iovec part{bytes.data(), static_cast<std::size_t>(bytes.size())};
         const msghdr header{&to, sizeof to, &part, 1, control.data(), control.size(), 0};
-        // A client that has gone is no reason to stop serving the others.
+        // An error for one client must not affect the others.
         if (::sendmsg(static_cast<int>(socket_.socketDescriptor()), &header, 0) < 0) {
             std::fprintf(stderr, "virtual-printers: %s cannot answer: %s\n",
                          qPrintable(reply.senderAddress().toString()), std::strerror(errno));
@@ -270,13 +269,13 @@ int main(int argc, char* argv[]) {
     const QCoreApplication application(argc, argv);
     QCommandLineParser parser;
     parser.setApplicationDescription(
-        uR"(Is a subnet of SNMP printers. The file LIST has one printer a line:
+        uR"(Simulates a subnet of SNMP printers. The file LIST has one printer per line:
   ADDRESS answers DEVICE-ID
-  ADDRESS twice DEVICE-ID              answers the probe twice
-  ADDRESS silent                       answers the probe, then never again
-  ADDRESS late MILLISECONDS DEVICE-ID  sends the device id that much later
-  ADDRESS raw HEXBYTES                 sends these bytes for a device id ("-": none)
-Blank lines and lines that begin with # are ignored. Prints "ready" when the printers
+  ADDRESS twice DEVICE-ID              replies to the probe twice
+  ADDRESS silent                       replies to the probe only
+  ADDRESS late MILLISECONDS DEVICE-ID  delays the device id
+  ADDRESS raw HEXBYTES                 replies to the device id request with these bytes ("-": none)
+Blank lines and lines that start with # are ignored. Prints "ready" when the printers
 listen, and runs until a signal ends it.)"_s);
     const QCommandLineOption record(u"record"_s, u"Append \"ADDRESS HEXBYTES\" for each request to FILE."_s,
                                     u"FILE"_s);
@@ -290,7 +289,7 @@ listen, and runs until a signal ends it.)"_s);
         parser.showHelp();
     }
     if (parser.positionalArguments().size() != 1) {
-        fail(wrongUsage, "one LIST is needed; see --help");
+        fail(wrongUsage, "expected one LIST; see --help");
     }
     const Subnet subnet(readPrinters(parser.positionalArguments().constFirst()), parser.value(record));
     std::puts("ready");

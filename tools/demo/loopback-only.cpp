@@ -1,10 +1,10 @@
-// Preloaded into the programs of the demo where they cannot have a network of their own: keeps their
-// datagrams and connections on this machine. Each socket of the internet is bound to the interface lo before
-// the program gets it, so the kernel sends and receives through no other, multicast included; where it cannot
-// be bound there is no socket. getifaddrs(3) reports any other interface as down and without an address.
-// Limits: Linux 5.7, for the binding without privileges. It guards programs that mean no harm: one that
-// calls the kernel without the C library, or removes the binding, isn't stopped. The C library's own resolver
-// isn't seen; tools/loopback-network keeps it quiet.
+// Preloaded into the demo's programs where a private network is not allowed: keeps their traffic on this
+// machine. Every IPv4 and IPv6 socket is bound to the interface lo before the program gets it, so the kernel
+// uses no other interface, not even for multicast; if binding fails, so does socket(). getifaddrs() reports
+// all other interfaces as down and without an address.
+// Limits: Linux 5.7, to bind without privileges. Not a protection against hostile programs, which can make
+// system calls directly or remove the binding. The C library's own resolver is not covered;
+// tools/loopback-network disables it.
 
 #include <dlfcn.h>
 #include <ifaddrs.h>
@@ -20,16 +20,15 @@
 
 namespace {
 
-/// The function of this name that the program would have called.
+/// The next definition of this function, usually the C library's.
 template <typename Function>
 Function* next(Function* /*own*/, const char* name) {
     return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
 }
 
-/// Whether the message names an interface to leave through; for IPv4 the kernel takes that before the
-/// binding.
+/// Whether the message selects an outgoing interface, which for IPv4 overrides the binding.
 bool namesInterface(const msghdr& message) {
-    auto& header = const_cast<msghdr&>(message);  // The macros read only.
+    auto& header = const_cast<msghdr&>(message);  // The macros only read it.
     for (cmsghdr* part = CMSG_FIRSTHDR(&header); part != nullptr; part = CMSG_NXTHDR(&header, part)) {
         if (part->cmsg_level == IPPROTO_IP && part->cmsg_type == IP_PKTINFO) {
             in_pktinfo info{};

@@ -1,8 +1,8 @@
-"""A scripted user of a Qt program.
+"""Drives a Qt program like a user.
 
-Finds controls by the role and the name that the program offers to assistive technology (AT-SPI), and works them with
-real key and mouse events (xdotool). Runs inside "desktop", with Debian's own Python: /usr/bin/python3. What is not as
-expected is an AssertionError.
+Finds controls by their accessible role and name (AT-SPI) and operates them with real key and mouse events (xdotool).
+Runs inside "desktop", with Debian's own Python: /usr/bin/python3. Raises AssertionError if something is not as
+expected.
 """
 
 import os
@@ -17,7 +17,7 @@ from gi.repository import Atspi, GLib  # noqa: E402
 
 # The interface getters are marked deprecated without a successor in Python.
 warnings.filterwarnings("ignore", category=DeprecationWarning)
-# A program that hangs must fail our wait, not hang us as well.
+# If the program hangs, the walk must time out, not hang too.
 Atspi.set_timeout(2000, 10000)
 
 SCALE = float(os.environ.get("QT_SCALE_FACTOR", "1"))
@@ -30,7 +30,7 @@ def children(node):
 
 
 def role(node):
-    """A push button is a "push button" on Debian 12, and a "button" on Debian 13."""
+    """The role's name; Debian 12 says "push button", Debian 13 "button"."""
     return node.get_role_name().removeprefix("push ")
 
 
@@ -39,7 +39,7 @@ def name(node):
 
 
 def text(node):
-    """What an edit contains."""
+    """The content of a text field."""
     return Atspi.Text.get_text(node, 0, -1)
 
 
@@ -52,7 +52,7 @@ def run(*command):
 
 
 class Walk:
-    """One program, and the hands and eyes to use it. It is killed at the end of the "with" block."""
+    """A running program and operations on its window. Kills it at the end of the "with" block."""
 
     def __init__(self, command, output):
         self.process = subprocess.Popen(["setpriv", "--pdeathsig", "KILL", "--", *command],
@@ -66,11 +66,11 @@ class Walk:
         self.process.wait()
 
     def application(self):
-        """The program's root node, or None while it is not there."""
+        """The program's root node, or None if it is not there yet."""
         return next((app for app in children(Atspi.get_desktop(0)) if app.get_process_id() == self.process.pid), None)
 
     def nodes(self, root=None, showing=True):
-        """All nodes below root in the order of the tree; with showing, without what lies in a hidden widget."""
+        """All nodes below root in tree order; with showing, only visible ones."""
         for child in children(root or self.application()):
             if not showing or has(child, "showing"):
                 yield child
@@ -81,7 +81,7 @@ class Walk:
                 if role(node) == wanted_role and wanted_name in (None, name(node))]
 
     def find(self, wanted_role, wanted_name=None, root=None):
-        """The first node of this role and name (without "&"), waited for."""
+        """Waits for a node with this role and name (without "&"); returns the first."""
         return self.wait_for(lambda: self.find_all(wanted_role, wanted_name, root),
                              f"{wanted_role} {wanted_name or ''}")[0]
 
@@ -93,29 +93,29 @@ class Walk:
                 if value := predicate():
                     return value
             except GLib.Error:
-                pass  # Nodes that go away while being read count as not there yet.
+                pass  # A node that disappears while it is read counts as missing.
             time.sleep(0.03)
         ended = self.process.poll()
-        gone = "" if ended is None else f" (the program has ended with {ended}; see output.txt)"
-        raise AssertionError(f"{what}: not so within {timeout} s{gone}")
+        gone = "" if ended is None else f" (the program exited with {ended}; see output.txt)"
+        raise AssertionError(f"timeout after {timeout} s, waiting for {what}{gone}")
 
     def wait_state(self, node, state):
         self.wait_for(lambda: has(node, state), f"{name(node)!r} to be {state}")
 
     def wait_gone(self, node):
-        self.wait_for(lambda: not has(node, "showing"), f"{name(node)!r} to go away")
+        self.wait_for(lambda: not has(node, "showing"), f"{name(node)!r} to disappear")
 
     def dump(self):
-        """What is showing, for messages."""
+        """The visible nodes, for error messages."""
         states = ("focused", "checked", "active", "enabled")
         try:
             return "\n".join(" ".join([role(node), repr(name(node)), *(state for state in states if has(node, state))])
                              for node in self.nodes())
         except GLib.Error as error:
-            return f"(the program does not say what it shows: {error.message})"
+            return f"(can't read the program's window: {error.message})"
 
     def extents(self, node):
-        """x, y, width and height on the screen; Qt tells them without its scale factor."""
+        """x, y, width and height on the screen; Qt reports them without its scale factor."""
         box = node.get_extents(Atspi.CoordType.SCREEN)
         return [round(value * SCALE) for value in (box.x, box.y, box.width, box.height)]
 
@@ -127,7 +127,7 @@ class Walk:
             last.append(self.extents(node))
             return last[-1] if last[-1:] == last[-2:-1] and min(last[-1][2:]) > 0 else None
 
-        return self.wait_for(steady, f"{name(node)!r} to stand still")
+        return self.wait_for(steady, f"{name(node)!r} to stop moving")
 
     def pixels(self, node):
         x, y, width, height = self.extents(node)
@@ -135,17 +135,17 @@ class Walk:
 
     @staticmethod
     def picture(file):
-        """Everything on the screen, without the empty part around it."""
+        """Saves the screen, without the empty area around the windows."""
         run("import", "-quiet", "-window", "root", "-trim", "+repage", str(file))
 
     def click(self, node):
-        """Clicks the middle of the node once it is enabled and stands still."""
+        """Clicks the middle of the node once it is enabled and has stopped moving."""
         self.wait_state(node, "enabled")
         x, y, width, height = self.settled(node)
         run("xdotool", "mousemove", str(x + width // 2), str(y + height // 2), "click", "1")
 
     def act(self, node):
-        """What an assistive program does: the node's own action, "Press" or "Toggle"."""
+        """Invokes the node's accessible action, "Press" or "Toggle"."""
         self.wait_state(node, "enabled")
         Atspi.Action.do_action(node, 0)
 
@@ -163,11 +163,11 @@ class Walk:
             if has(node, "focused"):
                 return
             self.key("Tab")
-            time.sleep(0.1)  # For the focus to arrive and to be told.
+            time.sleep(0.1)  # For the focus change and its event.
         raise AssertionError(f"the Tab key does not reach {name(node)!r}")
 
     def wait_exit(self, timeout=10):
-        """The program's exit status, waited for."""
+        """Waits for the program to end; returns its exit status."""
         try:
             return self.process.wait(timeout)
         except subprocess.TimeoutExpired:

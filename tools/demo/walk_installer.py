@@ -3,9 +3,9 @@
 
 walk_installer.py COMMAND [ARG...]
 
-Works the installer COMMAND four times: with the mouse, with the keys alone, closed in the middle of the search, and as
-an assistive program does; without an X display only the last. Runs inside "pretend-network" and "desktop". Checks what only a real desktop shows; leaves pictures, logs and hand-off
-files in the home folder. The status is 1 when a step was not as it should be.
+Runs the installer COMMAND four times: with the mouse, with the keyboard alone, closed during the search, and with
+assistive actions; without an X display only the last. Runs inside "pretend-network" and "desktop". Writes pictures,
+logs and hand-off files to the home folder. Exit status 1 if a step failed.
 """
 
 import os
@@ -39,10 +39,10 @@ ADDRESSES = re.findall(r"^\d\S+", NETWORK_FILE, re.MULTILINE)  # also those that
 INSTALLED = re.search(r"^# Has a print queue: (\w+)", NETWORK_FILE, re.MULTILINE)[1]
 CHOSEN = "KV260"
 UNKNOWN_ADDRESS = "10.0.0.77"
-IMPOSSIBLE_ADDRESS = "10.0.0.300"
+OUT_OF_RANGE_ADDRESS = "10.0.0.300"
 
-# The window takes presses in quick succession for one; this is longer than the double click interval.
-READING_TIME = 0.6
+# Longer than the double-click interval, within which the window ignores a second press.
+PRESS_PAUSE = 0.6
 
 HOME = pathlib.Path.home()
 HAND_OFF = HOME / "Documents/KV.txt"
@@ -54,7 +54,7 @@ def item_of(model):
 
 
 class Installer(Walk):
-    """The installer, worked by the scripted user."""
+    """The installer's window, with operations and checks for its pages."""
 
     def wait_window(self):
         self.wait_for(lambda: [node for node in self.nodes() if name(node) == WINDOW and has(node, "active")],
@@ -67,33 +67,33 @@ class Installer(Walk):
         return self.find("radio button", label)
 
     def go_on(self, heading, key=None):
-        """Presses Continue, with the mouse unless a key is given, and reads the next page."""
+        """Presses Continue, with the mouse unless a key is given, and waits for the next page."""
         if key:
             self.key(key)
         else:
             self.click(self.button(CONTINUE))
         self.find("label", heading)
-        time.sleep(READING_TIME)
+        time.sleep(PRESS_PAUSE)
 
     def picture(self, title):
         super().picture(HOME / f"{title}.png")
 
     def expect_search(self):
-        """Sees the search at work: something moves, and Continue is disabled."""
+        """Checks that the progress bar moves and Continue is disabled."""
         activity, proceed = self.find(ACTIVITY), self.button(CONTINUE)
         self.wait_for(lambda: not has(proceed, "enabled"), f"{CONTINUE!r} to be disabled during the search")
         first = self.pixels(activity)
-        self.wait_for(lambda: self.pixels(activity) != first, "the sign of the search to move")
-        assert has(activity, "showing"), "the search was over too soon to be seen"
+        self.wait_for(lambda: self.pixels(activity) != first, "the progress bar to move")
+        assert has(activity, "showing"), "the search ended before it could be checked"
         return activity
 
     def wait_list(self, activity):
         proceed = self.button(CONTINUE)
         self.wait_for(lambda: has(proceed, "enabled"), "the search to end", timeout=30)
-        assert not has(activity, "showing"), "the sign of the search stays after its end"
+        assert not has(activity, "showing"), "the progress bar is still visible after the search"
         found = [name(item) for item in self.find_all("list item", root=self.find(LIST), showing=False)]
         assert found[:1] == [MANUAL_ENTRY] and sorted(found[1:]) == list(map(item_of, MODELS)), f"the list has {found}"
-        assert name(self.find(LIST)) == MANUAL_ENTRY, f"chosen is {name(self.find(LIST))}"
+        assert name(self.find(LIST)) == MANUAL_ENTRY, f"{name(self.find(LIST))} is selected"
 
     def choose_printer(self, model, picture=None):
         """Opens the list with the mouse and clicks the printer."""
@@ -107,7 +107,7 @@ class Installer(Walk):
         self.expect_printer(model)
 
     def expect_printer(self, model):
-        """A printer of the list decides address and model, which are then locked."""
+        """A listed printer sets address and model, which are then locked."""
         address = self.find(ADDRESS)
         self.wait_for(lambda: name(self.find(LIST)) == item_of(model), f"{item_of(model)!r} to be chosen")
         self.wait_for(lambda: text(address) == PRINTERS[model], f"address {PRINTERS[model]}")
@@ -123,7 +123,7 @@ class Installer(Walk):
         return alert
 
     def expect_handed_over(self, model, address):
-        """Summary and hand-off file; nothing follows the address, not even a line end."""
+        """Checks the summary and the hand-off file, which has no line end."""
         shown = "\n".join(map(name, self.find_all("label")))
         assert re.search(rf"^Model:\s+{model}\s+Address:\s+{re.escape(address)}$", shown, re.MULTILINE), \
             f"the summary does not show {model} and {address}"
@@ -135,17 +135,17 @@ class Installer(Walk):
 
 
 def expect_log(*expected, without=()):
-    """The numbers of these decisions stand in the log in this order, and those of the others do not."""
+    """Checks that the log has the expected "Line No" numbers in this order, and none of `without`."""
     numbers = [int(number) for number in re.findall(r"Line No (\d+)$", LOG.read_text(errors="replace"), re.MULTILINE)]
     found = [number for number in numbers if number in expected + without]
-    assert found == list(expected), f"the decisions in the log are {found}"
+    assert found == list(expected), f"the line numbers in the log are {found}"
 
 
 def with_the_mouse(user):
     user.wait_window()
     user.find("label", INTRODUCTION)
-    assert not has(user.button(BACK), "enabled"), f"{BACK!r} leads nowhere, yet is enabled"
-    # To a window without an icon the window manager gives one of its own, which is larger.
+    assert not has(user.button(BACK), "enabled"), f"{BACK!r} is enabled on the first page"
+    # The window manager's default icon is larger.
     window, small = run("xdotool", "getactivewindow").decode().strip(), round(16 * SCALE)
     icons = run("xprop", "-id", window, "_NET_WM_ICON").decode(errors="replace")
     assert f"Icon ({small} x {small})" in icons, "the window has no icon"
@@ -159,13 +159,13 @@ def with_the_mouse(user):
     start = time.monotonic()
     activity = user.expect_search()
     user.picture("searching")
-    print("ok  the search shows that it is at work, and nothing can be chosen meanwhile")
+    print("ok  during the search, the progress bar moves and Continue is disabled")
     user.wait_list(activity)
     duration = time.monotonic() - start
     requests = pathlib.Path(os.environ["XDG_RUNTIME_DIR"], "requests").read_text()
     for address in ADDRESSES:
-        assert f"\n{address} " in requests, f"{address} was never asked what it is"
-    print(f"ok  after {duration:.1f} s the list has the manual entry and the four printers, each once, and no other")
+        assert f"\n{address} " in requests, f"{address} got no device id request"
+    print(f"ok  after {duration:.1f} s the list has the manual entry and the four printers, each once")
 
     user.choose_printer(INSTALLED, "list")
     user.click(user.button(CONTINUE))
@@ -173,8 +173,8 @@ def with_the_mouse(user):
     user.click(user.find("button", "Ok", root=alert))
     user.wait_gone(alert)
     user.find("label", CONNECTION)
-    assert not HAND_OFF.exists(), "there is a KV.txt after the refusal"
-    print(f"ok  the {INSTALLED}, which is set up already, is refused")
+    assert not HAND_OFF.exists(), "KV.txt exists after the refusal"
+    print(f"ok  the {INSTALLED}, which has a print queue already, is refused")
 
     user.choose_printer(CHOSEN)
     user.picture("chosen")
@@ -184,19 +184,19 @@ def with_the_mouse(user):
     user.click(user.button(CLOSE))
     user.expect_end()
     expect_log(1083, 1086, 1083, 1086, 1097, 1100, without=(1121, 1135))
-    print(f'ok  another printer is accepted; handed to the next steps: "{HAND_OFF.read_text()}"')
+    print(f'ok  another printer is accepted; handed over: "{HAND_OFF.read_text()}"')
 
 
-def with_the_keys(user):
+def with_the_keyboard(user):
     user.wait_window()
     user.wait_state(user.button(CONTINUE), "focused")
     user.go_on(CONNECTION, "Return")
-    assert not HAND_OFF.exists(), "the old KV.txt is there after a new start"
+    assert not HAND_OFF.exists(), "the old KV.txt still exists after a new start"
     user.wait_state(user.choice(DIRECTLY), "focused")
     user.key("Down")
     user.wait_state(user.choice(NETWORK), "checked")
     user.wait_list(user.expect_search())
-    print("ok  keys alone: the network is chosen, the old hand-off is gone, the list is there again")
+    print("ok  keyboard alone: the network is chosen, the old hand-off file is removed, the list is filled")
 
     box, address = user.find(LIST), user.find(ADDRESS)
     user.tab_to(box)
@@ -207,19 +207,19 @@ def with_the_keys(user):
     user.wait_for(lambda: name(box) == MANUAL_ENTRY and text(address) == "", "manual entry")
     user.wait_state(address, "enabled")
     user.tab_to(address)
-    user.type(IMPOSSIBLE_ADDRESS)
-    user.wait_for(lambda: text(address) == IMPOSSIBLE_ADDRESS, f"{IMPOSSIBLE_ADDRESS} typed")
+    user.type(OUT_OF_RANGE_ADDRESS)
+    user.wait_for(lambda: text(address) == OUT_OF_RANGE_ADDRESS, f"{OUT_OF_RANGE_ADDRESS} typed")
     user.key("Return")
     alert = user.expect_alert(INVALID_ADDRESS, "invalid")
     user.key("Return")
     user.wait_gone(alert)
-    user.wait_for(lambda: text(address) == "", "the invalid address to be gone")
+    user.wait_for(lambda: text(address) == "", "the invalid address to be cleared")
     user.find("label", CONNECTION)
-    print("ok  keys alone: an impossible address is refused and emptied")
+    print("ok  keyboard alone: an invalid address is refused and cleared")
 
     user.key(ADDRESS_KEY)
     user.wait_state(address, "focused")
-    user.type(UNKNOWN_ADDRESS + "x")  # A letter is no part of an address.
+    user.type(UNKNOWN_ADDRESS + "x")  # The letter is rejected.
     user.wait_for(lambda: text(address) == UNKNOWN_ADDRESS, f"{UNKNOWN_ADDRESS} typed")
     user.tab_to(user.choice(MODELS[0]))
     user.key(*["Right"] * (len(MODELS) - 1))
@@ -230,19 +230,19 @@ def with_the_keys(user):
     user.key(FORWARD_KEY)
     user.expect_end()
     expect_log(1026, 1121, 1124, 1135, 1138, without=(1083, 1097))
-    print(f'ok  keys alone: a typed address is accepted; handed to the next steps: "{HAND_OFF.read_text()}"')
+    print(f'ok  keyboard alone: a typed address is accepted; handed over: "{HAND_OFF.read_text()}"')
 
 
-def closed_while_searching(user):
+def closed_during_the_search(user):
     user.wait_window()
     user.go_on(CONNECTION)
     user.click(user.choice(NETWORK))
     user.expect_search()
     start = time.monotonic()
-    user.key("alt+F4")  # The window manager's, to close a window.
+    user.key("alt+F4")  # The window manager closes the window.
     user.expect_end(timeout=3)
-    assert not HAND_OFF.exists(), "there is a KV.txt"
-    print(f"ok  closed in the middle of the search, the installer ended after {time.monotonic() - start:.1f} s")
+    assert not HAND_OFF.exists(), "KV.txt exists"
+    print(f"ok  closed during the search, the installer ended after {time.monotonic() - start:.1f} s")
 
 
 def with_assistive_actions(user):
@@ -251,7 +251,7 @@ def with_assistive_actions(user):
     user.wait_list(user.find(ACTIVITY))
     address = user.find(ADDRESS)
     Atspi.EditableText.insert_text(address, 0, "x", 1)
-    assert text(address) == "", "a letter was taken for an address"
+    assert text(address) == "", "a letter was accepted in the address"
     Atspi.EditableText.insert_text(address, 0, UNKNOWN_ADDRESS, len(UNKNOWN_ADDRESS))
     user.act(user.choice(CHOSEN))
     user.wait_state(user.choice(CHOSEN), "checked")
@@ -264,10 +264,10 @@ def with_assistive_actions(user):
 
 
 def main():
-    signal.alarm(300)  # The last resort: every wait of the walk has a limit of its own.
+    signal.alarm(300)  # A last resort, as every wait has a timeout.
     walks = [with_assistive_actions]
     if "DISPLAY" in os.environ:
-        walks = [with_the_mouse, with_the_keys, closed_while_searching, *walks]
+        walks = [with_the_mouse, with_the_keyboard, closed_during_the_search, *walks]
     for walk in walks:
         with open(HOME / "output.txt", "ab") as output, Installer(sys.argv[1:], output) as user:
             try:
@@ -275,15 +275,15 @@ def main():
             except Exception as error:
                 if "DISPLAY" in os.environ:
                     user.picture("failure")
-                sys.exit(f"walk: not as it should be: {error!r}\n{user.dump()}")
+                sys.exit(f"walk: failed: {error!r}\n{user.dump()}")
             finally:
-                # The next start removes the hand-off file and begins the log anew.
+                # The next start removes the hand-off file and the log.
                 shutil.copytree(HOME / "Documents", HOME / walk.__name__)
-    # Qt 6.8 reports it when assistive technology asks for a widget that is gone.
-    said = (HOME / "output.txt").read_text(errors="replace")
-    worrying = re.findall(r"^.*(?:\bqt\.|QObject|support|fail|could not (?!find accessible)|warning).*$", said,
+    # Qt 6.8 warns if an assistive program requests a destroyed widget ("could not find accessible").
+    printed = (HOME / "output.txt").read_text(errors="replace")
+    warnings = re.findall(r"^.*(?:\bqt\.|QObject|support|fail|could not (?!find accessible)|warning).*$", printed,
                           re.IGNORECASE | re.MULTILINE)
-    assert not worrying, f"the installer says {worrying}"
+    assert not warnings, f"the installer printed {warnings}"
     print(f"pictures, logs and hand-off files: {HOME}")
 
 
