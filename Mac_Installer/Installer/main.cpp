@@ -63,9 +63,8 @@ int runInstaller(const QString& pluginFolder) {
         printMessage(line);
     }
     if (loaded.pages.empty()) {
-        printMessage(
-            QCoreApplication::translate("main", "no usable plug-in in %1; reinstall, or use --plugins")
-                .arg(QDir(pluginFolder).absolutePath()));
+        printMessage(QCoreApplication::translate("main", "no usable plug-in in %1; reinstall the package")
+                         .arg(QDir(pluginFolder).absolutePath()));
         return exitFailure;
     }
     std::vector<InstallerPane*> pages{new IntroductionPane(problem, qApp)};
