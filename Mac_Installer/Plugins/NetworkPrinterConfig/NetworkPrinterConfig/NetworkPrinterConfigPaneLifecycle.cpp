@@ -66,6 +66,7 @@ NetworkPrinterConfigPane::~NetworkPrinterConfigPane() {
     gate_.close();
     leaving_.request_stop();
     discoveryThread_ = std::jthread();
+    delete PrinterIP();
     delete contentWidget();  // Its controls may still emit signals to this class, such as editingFinished.
 }
 

@@ -21,8 +21,8 @@ QString selectionFileIn(const QString& directory) {
 void writeAsciiToFile(const QString& text, const QString& path) {
     const QByteArray bytes = text.toUtf8();
     QFile file(path);
-    // Only ASCII has as many bytes as characters.
-    if (!text.isNull() && bytes.size() == text.size() && file.open(QIODevice::WriteOnly)) {
+    // Unless all is ASCII, bytes and characters differ.
+    if (!text.isNull() && QLatin1String(bytes) == text && file.open(QIODevice::WriteOnly)) {
         file.write(bytes);
     }
 }
