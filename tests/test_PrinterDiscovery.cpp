@@ -33,6 +33,7 @@ struct Faults {
     bool badChecksums = false;
 };
 Faults faults;
+std::stop_source leaving;
 std::vector<std::jthread> senders;
 QByteArrayList sent;  // Datagrams in hexadecimal.
 
@@ -184,6 +185,7 @@ class TestPrinterDiscovery : public QObject {
         const auto ready = [](bool) { return 1; };
         const auto alwaysSignal = [](bool) { return fail(EINTR); };
         const auto oneSignal = [count = 0](bool) mutable { return count++ == 0 ? fail(EINTR) : 0; };
+        const auto leave = [](bool) { return leaving.request_stop() ? fail(EINTR) : 0; };
         const auto signalAtRequest = [] { return fail(EINTR); };
         const auto timeOut = [] { return 0; };
         const QString select = u"Select return -1 %1|"_s;
@@ -204,6 +206,8 @@ class TestPrinterDiscovery : public QObject {
         run("signals during a request", {.poll = signalAtRequest}, 1, two + signalled.repeated(2), 2);
         run("a flood of datagrams", {.poll = timeOut}, 300, u"Total 256|"_s + timedOut.repeated(256), 0);
         run("bad checksums", {.badChecksums = true}, 1, two + timedOut.repeated(2), 4);
+        // Last, as a stop request is final.
+        run("leaving during collection", {.select = leave}, 1, interrupted + none, 0);
     }
 
   private:
@@ -227,7 +231,7 @@ class TestPrinterDiscovery : public QObject {
         timer.start();
         faults = set;
         g_PrinterList = std::make_shared<QStringList>(u"found earlier"_s);
-        GetTovikQuazelPrinters();
+        GetTovikQuazelPrinters(leaving.get_token());
         faults = {};
         const qint64 elapsed = timer.elapsed();
         senders.clear();
