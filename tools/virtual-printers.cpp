@@ -222,6 +222,7 @@ class Subnet {
                                   element(integerTag, QByteArray(1, 1))));
             send(reply);
             if (printer.behaviour == "twice") {
+                reply.setData({});
                 send(reply);
             }
         } else if (request.data() == message(getRequestTag, requestId, deviceIdObject, null) &&
@@ -271,7 +272,7 @@ int main(int argc, char* argv[]) {
     parser.setApplicationDescription(
         uR"(Simulates a subnet of SNMP printers. The file LIST has one printer per line:
   ADDRESS answers DEVICE-ID
-  ADDRESS twice DEVICE-ID              replies to the probe twice
+  ADDRESS twice DEVICE-ID              replies to the probe twice, the second time empty
   ADDRESS silent                       replies to the probe only
   ADDRESS late MILLISECONDS DEVICE-ID  delays the device id
   ADDRESS raw HEXBYTES                 replies to the device id request with these bytes ("-": none)
