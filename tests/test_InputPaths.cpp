@@ -129,9 +129,6 @@ struct Rig {
         QAccessible::queryAccessibleInterface(control)->actionInterface()->doAction(
             isRadio ? QAccessibleActionInterface::toggleAction() : QAccessibleActionInterface::pressAction());
     }
-    [[nodiscard]] QAccessibleEditableTextInterface* assistiveText() const {
-        return QAccessible::queryAccessibleInterface(field)->editableTextInterface();
-    }
 
     void chooseLastByAssistiveAction() const {
         assist(list);
@@ -165,6 +162,7 @@ struct Rig {
         const QList<bool> enabled{list->isEnabled(), page->RefreshButton()->isEnabled(),
                                   page->radiobtnPrinterType()->isEnabled(), page->isNextEnabled(),
                                   page->isPreviousEnabled()};
+        const bool isCaptionShown = window.findChild<QLabel*>(u"searchingLabel"_s)->isVisible();
         PageModel seen;
         seen.step = titles.indexOf(window.findChild<QLabel*>(u"heading"_s)->text());
         seen.type = page->radiobtnPrinterType()->selectedRow();
@@ -184,7 +182,8 @@ struct Rig {
         seen.file = QString::fromLatin1(contentOf(home.selectionFile()));
         seen.summary = window.findChild<QLabel*>(u"summary"_s)->text().section(u"\n\n"_s, 1);
         seen.effects = std::exchange(effects, {}) + takeLog(home);
-        const bool isMixed = enabled.contains(seen.isSearching) || field->isEditable() != field->isEnabled();
+        const bool isMixed = enabled.contains(seen.isSearching) || isCaptionShown != seen.isSearching ||
+                             field->isEditable() != field->isEnabled();
         return (isMixed ? u"mixed "_s : QString()) + (window.isVisible() ? seen.text() : u"closed"_s);
     }
 
@@ -204,7 +203,7 @@ struct Rig {
         if (!std::exchange(isBehindAlert, true)) {
             std::for_each(buttons.begin(), buttons.end(), assist);
             emit buttons.at(Continue)->clicked();
-            assistiveText()->insertText(0, u"9"_s);
+            assistiveText->insertText(0, u"9"_s);
             chooseLastByAssistiveAction();
         }  // Otherwise the checks behind an alert opened this one.
         isBehindAlert = false;
@@ -220,6 +219,8 @@ struct Rig {
     NetworkPrinterConfigPane* const page = new NetworkPrinterConfigPane;
     ComboBox* const list = page->PrinterIP();
     TextField* const field = page->IPAddressText();
+    QAccessibleEditableTextInterface* const assistiveText =
+        QAccessible::queryAccessibleInterface(field)->editableTextInterface();
     InstallerWindow window{{new IntroductionPane(QString()), page, new SummaryPane}};
     const QList<QAbstractButton*> buttons = window.findChildren<QAbstractButton*>();  // as in Button
     QStringList effects;  // records, alerts and beeps, in order
@@ -387,10 +388,10 @@ const std::vector<Kind> kinds{
      [](auto& model, auto&) { model.edit(model.address.left(model.address.size() - 1)); }},
     {"insert TEXT by assistance", Anywhere,
      [](auto& rig, auto& input) {
-         rig.assistiveText()->insertText(static_cast<int>(rig.field->text().size()), input.text);
+         rig.assistiveText->insertText(static_cast<int>(rig.field->text().size()), input.text);
      },
      append},
-    {"delete all by assistance", Anywhere, [](auto& rig, auto&) { rig.assistiveText()->deleteText(0, 15); },
+    {"delete all by assistance", Anywhere, [](auto& rig, auto&) { rig.assistiveText->deleteText(0, 15); },
      [](auto& model, auto&) { model.edit({}); }},
     // Not caused by the user.
     {"queue installed or removed", Anywhere, [](auto&, auto&) { isQueueInstalled = !isQueueInstalled; },
