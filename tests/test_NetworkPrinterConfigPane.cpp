@@ -66,6 +66,7 @@ class TestNetworkPrinterConfigPane : public QObject {
     }
 
     void findsModelColumns() {
+        QVERIFY(!pane_->IsIPAvalaibleInList(u""_s));
         QCOMPARE(pane_->PrinterModelToColumnNo(u"KV210 KV460"_s), 3);  // The last match.
         pane_->ChangePrinterModelRadioButton(u"KV460KV260"_s);
         QCOMPARE(pane_->g_SelectedCell(), 1);  // The first match.
