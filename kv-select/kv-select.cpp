@@ -8,7 +8,7 @@
 #include "discovery/ModelCatalog.h"
 #include "discovery/PrinterDiscovery.h"
 #include "handoff/DiagnosticLog.h"
-#include "platform/DocumentsFolder.h"
+#include "handoff/SelectionFile.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -21,6 +21,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <climits>
 #include <csignal>
 #include <cstdio>
 
@@ -28,28 +29,54 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-enum ExitStatus { exitDone = 0, exitRefused = 1, exitUsage = 2, exitNoneOrSeveral = 3, exitSignal = 128 };
+enum ExitStatus { exitDone = 0, exitRefused = 1, exitUsage = 2, exitNoneOrSeveral = 3 };
 
 void complain(const QString& text) {
     std::fprintf(stderr, "kv-select: %s\n", qUtf8Printable(text));
 }
 
-/// Message handler, on any thread: the page's events go to syslog(3), as the installer's do.
+/// Qt's message handler: forwards to syslog(3). Any thread.
 void logMessage(QtMsgType /*type*/, const QMessageLogContext& /*context*/, const QString& message) {
     ::syslog(LOG_INFO, "%s", qUtf8Printable(message));
 }
 
-QByteArray handOffFile;  // Its path, for the file system.
+char handOffFile[PATH_MAX];  // Path for onSignal; never destroyed.
 
-/// Ends the program at once, even while it waits for the print service, and leaves no hand-off file.
+/// Removes the hand-off file and ends the program by the signal, even while it waits for the print service.
 void onSignal(int number) {
-    ::unlink(handOffFile.constData());
-    ::_exit(exitSignal + number);
+    ::unlink(handOffFile);
+    (void)::raise(number);
+}
+
+/// Handles the signals once; those that are ignored, as under nohup, stay ignored.
+void removeFileOnSignals(const QString& file) {
+    qstrncpy(handOffFile, QFile::encodeName(file), sizeof(handOffFile));
+    struct sigaction handle {};
+    handle.sa_handler = onSignal;
+    handle.sa_flags = static_cast<int>(SA_RESETHAND | SA_NODEFER);
+    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+        struct sigaction present {};
+        if (::sigaction(number, nullptr, &present) == 0 && present.sa_handler != SIG_IGN) {
+            ::sigaction(number, &handle, nullptr);
+        }
+    }
+}
+
+/// Writes the results to standard output. Returns the exit status.
+int print(const QStringList& lines) {
+    for (const QString& line : lines) {
+        std::puts(qUtf8Printable(line));
+    }
+    if (std::fflush(stdout) == 0) {
+        return exitDone;
+    }
+    complain(u"can't write to standard output"_s);
+    return exitRefused;
 }
 
 /// Writes what the search prints: one line for each printer that responds, including other manufacturers'.
 /// The model text in it comes from the network, and a terminal interprets control characters, so bytes other
-/// than printable ASCII are written as "\xHH".
+/// than printable ASCII are written as "\xHH". `terminal` is a FILE*, or null to discard.
 ssize_t writePrintable(void* terminal, const char* line, std::size_t size) {
     QByteArray shown;
     for (std::size_t index = 0; index < size; ++index) {
@@ -68,20 +95,29 @@ ssize_t writePrintable(void* terminal, const char* line, std::size_t size) {
     return static_cast<ssize_t>(size);
 }
 
-/// Runs a search. What it prints to standard output and error goes to the terminal, for support staff, or
-/// nowhere.
+/// Runs a search. If standard error is a terminal, the search's output goes there, for support staff;
+/// otherwise it is discarded.
 template <class Search>
 void runSearch(Search search) {
     FILE* const output = stdout;
     FILE* const errors = stderr;
     FILE* const terminal = ::isatty(STDERR_FILENO) != 0 ? stderr : nullptr;
     stdout = stderr = ::fopencookie(terminal, "w", {nullptr, writePrintable, nullptr, nullptr});
-    std::setvbuf(stderr, nullptr, _IONBF, 0);  // Unbuffered: the search prints each line by one call.
+    std::setvbuf(stderr, nullptr, _IONBF, 0);  // Unbuffered: one call for each line.
     std::fputs("Searching for printers ...\n", stderr);
     search();
     std::fclose(stderr);
     stdout = output;  // glibc allows the assignments.
     stderr = errors;
+}
+
+/// An address without leading zeros, for comparison.
+QString plain(const QString& address) {
+    QStringList numbers = address.split(u'.');
+    for (QString& number : numbers) {
+        number = QString::number(number.toInt());
+    }
+    return numbers.join(u'.');
 }
 
 /// A printer in the list, such as "Tovik KV260 @192.168.1.40".
@@ -95,11 +131,15 @@ struct Printer {
 
 int listPrinters() {
     runSearch([] { GetTovikQuazelPrinters(); });
-    const QStringList printers = g_PrinterList->mid(1);  // The first entry is "Enter IP Address Manually".
-    for (const QString& item : printers) {
-        std::puts(qUtf8Printable(Printer(item).text()));
+    QStringList printers;
+    for (const QString& item : g_PrinterList->mid(1)) {  // The first entry is "Enter IP Address Manually".
+        printers += Printer(item).text();
     }
-    return printers.isEmpty() ? exitNoneOrSeveral : exitDone;
+    if (printers.isEmpty()) {
+        complain(u"no printer responded"_s);
+        return exitNoneOrSeveral;
+    }
+    return print(printers);
 }
 
 /// Writes the informative text of each alert to standard error and closes the alert.
@@ -135,14 +175,14 @@ bool isAddress(const QString& text) {
            IPAddressTextValidator().validate(text);
 }
 
-/// Chooses the one printer in the page's list that is meant: by its address; or by its model, if that is not
-/// empty. An address that is not in the list is typed. False if there is none, or more than one.
+/// Selects the list entry with this address; without an address, the only one of this model, or of any model
+/// if it is empty. An unlisted address is typed. False, with a message, if none or several match.
 bool choosePrinter(NetworkPrinterConfigPane& page, const QString& model, const QString& address) {
     QStringList matching;
     int match = 0;
     for (int index = 1; index < page.PrinterIP()->count(); ++index) {
         const Printer printer(page.PrinterIP()->itemText(index));
-        if (address.isEmpty() ? printer.model.startsWith(model) : printer.address == address) {
+        if (address.isEmpty() ? printer.model.startsWith(model) : printer.address == plain(address)) {
             matching += printer.text();
             match = index;
         }
@@ -164,31 +204,34 @@ bool choosePrinter(NetworkPrinterConfigPane& page, const QString& model, const Q
     return false;
 }
 
-/// `column` is that of the model, if one is given.
+/// Operates the page as a user does. Empty texts are arguments that were not given; `column` is the model's.
+/// Returns the exit status.
 int handOver(const QString& model, int column, const QString& address) {
+    const QString file = selectionFilePath();
+    removeFileOnSignals(file);
     const QString problem = prepareHandOffFolder();
     if (!problem.isNull()) {
         complain(problem);
         return exitRefused;
-    }
-    const QString file = documentsDirectory() + u"/KV.txt"_s;
-    handOffFile = QFile::encodeName(file);
-    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
-        if (std::signal(number, onSignal) == SIG_IGN) {
-            (void)std::signal(number, SIG_IGN);  // As nohup wants it.
-        }
     }
     AlertPrinter alerts;
     qApp->installEventFilter(&alerts);
     NetworkPrinterConfigPane page;
     page.awakeFromNib();
     page.didEnterPane(InstallerDirectionForward);
+    if (QFile::exists(file)) {
+        complain(u"%1 can't be removed"_s.arg(file));
+        return exitRefused;
+    }
     runSearch([&page] { searchWithPage(page); });
     if (!choosePrinter(page, model, address)) {
         return exitNoneOrSeveral;
     }
-    if (!model.isEmpty()) {
-        page.radiobtnPrinterModel()->selectCellAtRow(0, column);  // The page compares it with the printer's.
+    RadioMatrix& models = *page.radiobtnPrinterModel();
+    if (models.isEnabled()) {
+        models.cellAt(0, column)->click();
+    } else if (!model.isEmpty()) {
+        models.selectCellAtRow(0, column);  // Locked for a listed printer; the page compares the two.
     }
     if (!page.shouldExitPane(InstallerDirectionForward)) {
         return exitRefused;
@@ -198,16 +241,22 @@ int handOver(const QString& model, int column, const QString& address) {
         complain(u"%1 can't be written"_s.arg(file));
         return exitRefused;
     }
-    std::puts(qUtf8Printable(line));
-    return exitDone;
+    return print({line});
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+    ::openlog("kv-select", LOG_PID, LOG_USER);
+    qInstallMessageHandler(logMessage);
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qunsetenv("QT_QPA_PLATFORMTHEME");  // A theme may need a display.
-    const QApplication application(argc, argv);
+    QStringList all;
+    for (int index = 0; index < argc; ++index) {
+        all += QString::fromLocal8Bit(argv[index]);
+    }
+    int one = 1;  // QApplication would take its own options out.
+    const QApplication application(one, argv);
     QCoreApplication::setOrganizationName(u"Tovik"_s);
     QCoreApplication::setApplicationName(u"kv-select"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(QUAZEL_VERSION));
@@ -229,7 +278,7 @@ int main(int argc, char** argv) {
     parser.addOption(list);
     parser.addPositionalArgument(u"MODEL"_s, u"KV210, KV260, KV410 or KV460"_s, u"[MODEL"_s);
     parser.addPositionalArgument(u"ADDRESS"_s, u"IPv4 address"_s, u"[ADDRESS]]"_s);
-    const bool isParsed = parser.parse(QCoreApplication::arguments());
+    const bool isParsed = parser.parse(all);
     const QStringList arguments = parser.positionalArguments();
     const QString model = arguments.value(0);
     const QString address = arguments.value(1);
@@ -250,10 +299,8 @@ int main(int argc, char** argv) {
         complain(problem + u"; see --help"_s);
         return exitUsage;
     }
-    parser.process(application);  // Handles --help and --version.
+    parser.process(all);  // Handles --help and --version.
 
-    ::openlog("kv-select", LOG_PID, LOG_USER);
-    qInstallMessageHandler(logMessage);
     keepEarlierLog();
     return parser.isSet(list) ? listPrinters()
                               : handOver(model, static_cast<int>(row - modelCatalog.begin()), address);

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# test_BuildDate.sh MODULE: a program has the date of its latest build: builds one unchanged tree with two values of
-# SOURCE_DATE_EPOCH.
+# test_BuildDate.sh MODULE: checks that a program has the date of its latest build, by building an unchanged tree with
+# two values of SOURCE_DATE_EPOCH.
 source "$(dirname "$0")/support/expect.sh"
 cd "$HOME"
 cat >CMakeLists.txt <<END

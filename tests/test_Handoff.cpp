@@ -88,18 +88,6 @@ class TestHandoff : public QObject {
         }
     }
 
-    void keepsEarlierLogsOfTheSameSecond() {
-        for (const QByteArray content : {"a", "b", "c"}) {
-            shell("printf " + content +
-                  " >Documents/QzInstall.log; touch -d '2023-11-04 08:05' Documents/QzInstall.log");
-            keepEarlierLog();
-            keepEarlierLog();  // No log: no effect.
-        }
-        const QString kept = documents + u"/QzInstall-2023-11-04-080500%1.log"_s;
-        QCOMPARE(contentOf(kept.arg(u""_s)) + contentOf(kept.arg(u"-2"_s)) + contentOf(kept.arg(u"-3"_s)),
-                 "abc");
-    }
-
     void writesAndRemoves() {
         const QByteArray line = "KV210 10.0.0.1";
         for (const auto& [before, content] : {std::pair("echo longer than the line >KV.txt", line),

@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# test_kv-select.sh PROGRAM: kv-select with independent SNMP agents: instances of net-snmp's snmpd, each in its own network
-# namespace on the bridge lan0; and with a private CUPS scheduler.
+# test_kv-select.sh PROGRAM: kv-select with a private CUPS scheduler and independent SNMP agents: instances of
+# net-snmp's snmpd, each in its own network namespace on the bridge lan0.
 source "$(dirname "$0")/support/expect.sh"
 tools=$(dirname "$0")/../tools
 source "$tools/background.sh"
 program=("$1")
-ip route del local 10.0.0.0/24 dev lo  # The printers are other hosts here.
+ip route del local 10.0.0.0/24 dev lo  # These addresses belong to other hosts here.
 export PATH=$PATH:/usr/sbin
 documents=$HOME/Documents
 export LC_ALL=C
@@ -23,41 +23,61 @@ add_host() {  # NUMBER MODEL
         ip netns exec "host$1" snmpd -f -Lo -C -c "$HOME/snmpd$1.conf" udp:161
 }
 
-# Prints exit status, standard output and error, sorted as the hosts reply in any order, and KV.txt, which exists before.
+# Prints exit status, standard output and error, sorted as the hosts reply in any order, and KV.txt with its end marked;
+# "old" before the run.
 run() {
     local status=0
     mkdir -p "$documents"
     printf old >"$documents/KV.txt"
+    touch -d '2023-11-04 08:05' "$documents/QzInstall.log"
     "${program[@]}" "$@" >"$HOME/output" 2>"$HOME/errors" || status=$?
-    printf '[%s|%s|%s|%s]' $status "$(sort "$HOME/output")" "$(sort "$HOME/errors")" "$(cat "$documents/KV.txt" 2>&1 | sed s,.*such.*,-,)"
+    printf '[%s|%s|%s|' $status "$(sort "$HOME/output")" "$(sort "$HOME/errors")"
+    cat "$documents/KV.txt" 2>/dev/null && echo '!'
 }
 
-expect 0 '[2||kv-select: unknown model "kv260"; see --help|old]' run kv260
-expect 0 '[2||kv-select: "10.0.0.256" is not an IPv4 address; see --help|old]' run KV260 10.0.0.256
-expect 0 '[2||kv-select: too many arguments; see --help|old]' run --list KV260
+unset XDG_RUNTIME_DIR  # Qt's warning about it must not be seen.
+expect 0 '[2||kv-select: unknown model "kv260"; see --help|old!' run kv260
+expect 0 '[2||kv-select: "10.0.0.256" is not an IPv4 address; see --help|old!' run KV260 10.0.0.256
+expect 0 '[2||kv-select: too many arguments; see --help|old!' run --list KV260
 add_host 2 $'LP\e[1m'
-advice='use kv-select MODEL ADDRESS'
-expect 0 "[3||kv-select: no printer responded; for one on another network, $advice|-]" run
+expect 1 '[3||kv-select: no printer responded; for one on another network, use kv-select MODEL ADDRESS|' run
 add_host 3 'TVK KV260N'
-expect 0 '[0|KV260 10.0.0.3||KV260 10.0.0.3]' run
-add_host 4 KV460
-add_host 5 KV460
-expect 0 $'[0|KV260 10.0.0.3\nKV460 10.0.0.4\nKV460 10.0.0.5||old]' run --list
-expect 0 '[0|KV260 10.0.0.3||KV260 10.0.0.3]' run KV260
-expect 0 $'[3||KV460 10.0.0.4\nKV460 10.0.0.5\nkv-select: more than one printer responded; '"$advice:|-]" run KV460
-expect 0 '[1||kv-select: Selected Printer model is KV260|-]' run KV410 10.0.0.3
-expect 0 '[0|KV410 192.168.1.40||KV410 192.168.1.40]' run KV410 192.168.1.40
+expect 0 '[0|KV260 10.0.0.3||KV260 10.0.0.3!' run
+for number in 4 5; do add_host $number KV460; done
+expect 0 $'[0|KV260 10.0.0.3\nKV460 10.0.0.4\nKV460 10.0.0.5||old!' run --list
+expect 0 '[0|KV260 10.0.0.3||KV260 10.0.0.3!' run KV260
+expect 1 $'[3||KV460 10.0.0.4\nKV460 10.0.0.5\nkv-select: more than one printer responded; use' run KV460
+expect 1 '[1||kv-select: Selected Printer model is KV260|' run KV410 010.0.0.03
+expect 0 '[0|KV410 192.168.1.40||KV410 192.168.1.40!' run KV410 192.168.1.40
 expect 0 'shouldExitPane  :: Return' tail -n 1 "$documents/QzInstall.log"
-expect 0 '' ls "$documents"/QzInstall-*.log
+expect 0 '' ls "$documents/QzInstall-2023-11-04-080500-7.log"  # The search has run seven times.
+expect 1 "can't write to standard output" eval '"$program" --list >/dev/full'
 
 # Replies can't send control characters to the terminal.
-expect 0 $'PrinterInfo.szModel LP\\x1b[1m' script -qec "${program[*]} --list" /dev/null
+expect 0 'Searching for printers ...' script -qec "$program --list" "$HOME/typescript"
+expect 0 $'PrinterInfo.szModel LP\\x1b[1m' cat "$HOME/typescript"
 
 mkdir -p "$HOME/cups/etc/ppd"
 sed 's/@MODEL@/KV260/' "$tools/kv-series.ppd.in" >"$HOME/cups/etc/ppd/Tovik-KV260-Ethernet-Printer-IP=10.0.0.3.ppd"
 program=("$tools/private-cupsd" "$HOME/cups" "$1")
-expect 0 '[1||kv-select: A Printer with this IP Address is already Installed, Please choose another Ethernet Printer|-]' \
+expect 1 '[1||kv-select: A Printer with this IP Address is already Installed, Please choose another Ethernet Printer|' \
     run KV260
-program=(timeout --preserve-status 1 "$1")
-expect 0 '[143|||-]' run KV260
+
+# A pipe in place of KV.txt blocks the program where it writes the file, and the signal removes the pipe.
+for signal in INT TERM; do
+    rm -f "$documents"/{KV.txt,QzInstall.log}
+    env --default-signal "$1" KV260 192.168.1.40 &
+    until grep -qs 'Before Get' "$documents/QzInstall.log"; do sleep 0.02; done
+    mkfifo "$documents/KV.txt"
+    until grep -q 'writeToTextFile KV' "$documents/QzInstall.log"; do sleep 0.02; done
+    kill -$signal $!
+    status=0
+    wait $! || status=$?
+    expect 2 'No such file' ls "$documents/KV.txt"
+    expect 0 "$signal" kill -l $status
+done
+printf old >"$documents/KV.txt"
+mount --bind "$documents/KV.txt" "$documents/KV.txt"
+expect 1 "KV.txt can't be removed" "$1" KV260
+umount "$documents/KV.txt"
 HOME=$HOME/output expect 1 "/output/Documents can't be written to" "$1" KV260

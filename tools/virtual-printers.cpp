@@ -155,8 +155,10 @@ Printers readPrinters(const QString& path) {
         fail(refused, "cannot read " + path.toLocal8Bit() + ": " + file.errorString().toLocal8Bit());
     }
     Printers printers;
-    for (int number = 1; !file.atEnd(); ++number) {
-        const QByteArray line = file.readLine().trimmed();
+    int number = 0;
+    for (const QByteArray& text : file.readAll().split('\n')) {
+        ++number;
+        const QByteArray line = text.trimmed();
         const QByteArray fault =
             line.isEmpty() || line.startsWith('#') ? QByteArray() : addPrinter(printers, line);
         if (!fault.isEmpty()) {

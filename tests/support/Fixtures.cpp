@@ -50,9 +50,9 @@ void SpawnedProgram::end(int signal) {
 }
 
 VirtualPrinters::VirtualPrinters(const QStringList& lines)
-    : process_(QStringLiteral(QUAZEL_BIN_DIR "/virtual-printers ") +
-               writeFile(folder_.filePath(u"printers"_s), lines.join(u'\n').toUtf8())) {
-    if (process_.readLine() != "ready\n") {
+    : SpawnedProgram(QStringLiteral(QUAZEL_BIN_DIR "/virtual-printers /dev/stdin <<'END'\n") +
+                     lines.join(u'\n') + u"\nEND"_s) {
+    if (readLine() != "ready\n") {
         qFatal("virtual-printers does not start");
     }
 }

@@ -107,14 +107,9 @@ class SpawnedProgram {
 };
 
 /// A virtual-printers process, stopped with this object. Needs a private network.
-class VirtualPrinters {
-  public:
+struct VirtualPrinters : SpawnedProgram {
     /// `lines` as in the tool's list file. Returns when all printers listen.
     explicit VirtualPrinters(const QStringList& lines);
-
-  private:
-    QTemporaryDir folder_;
-    SpawnedProgram process_;
 };
 
 /// A complete device id with the given model text.

@@ -163,7 +163,7 @@ class Walk:
             if has(node, "focused"):
                 return
             self.key("Tab")
-            time.sleep(0.1)  # For the focus change and its event.
+            time.sleep(0.2)  # For the focus change and its event.
         raise AssertionError(f"the Tab key does not reach {name(node)!r}")
 
     def wait_exit(self, timeout=10):

@@ -1,4 +1,4 @@
-// Construction and destruction, the installer's callbacks on entry, and file access.
+// Construction, entry, destruction, and alerts.
 
 #include "NetworkPrinterConfig/NetworkPrinterConfigPane.h"
 #include "NetworkPrinterConfig/OnlyIntegerValueFormatter.h"

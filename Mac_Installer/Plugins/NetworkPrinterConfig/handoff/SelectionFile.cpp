@@ -11,11 +11,6 @@
 
 namespace {
 
-/// Without a documents folder the path is relative to the working directory: "(null)/KV.txt".
-QString selectionFileIn(const QString& directory) {
-    return stringWithFormat(u"%@/KV.txt", {directory});
-}
-
 /// Overwrites the file in place, unless the text is null or not ASCII. A failed write is ignored: the
 /// installation continues, and its later steps detect the missing line.
 void writeAsciiToFile(const QString& text, const QString& path) {
@@ -29,25 +24,29 @@ void writeAsciiToFile(const QString& text, const QString& path) {
 
 }  // namespace
 
+/// Without a documents folder the path is "(null)/KV.txt", in the working directory.
+QString selectionFilePath() {
+    return stringWithFormat(u"%@/KV.txt", {documentsDirectory()});
+}
+
 void writeToTextFile(const QString& line) {
     systemLog(u"Going to Write %@", {line});
     tDebugPrint("Writing to Text File\n");
-    const QString directory = documentsDirectory();
-    if (directory.isNull()) {
+    if (documentsDirectory().isNull()) {
         systemLog(u"writeToTextFile failed");
         tDebugPrint("writeToTextFile failed\n");
         return;
     }
     systemLog(u"writeToTextFile");
     tDebugPrint("writeToTextFile %s\n", UTF8String(line).constData());
-    writeAsciiToFile(line, selectionFileIn(directory));
+    writeAsciiToFile(line, selectionFilePath());
     systemLog(u"writeToTextFile end");
     tDebugPrint("writeToTextFile END\n");
 }
 
 void RemoveFile() {
     tDebugPrint("Inside RemoveFile\n");
-    const FileError error = removeItemAtPath(selectionFileIn(documentsDirectory()));
+    const FileError error = removeItemAtPath(selectionFilePath());
     // After a successful removal the description is null and logged as "(null)"; only a missing file is not
     // logged.
     if (error.code != FileError::noSuchFile) {

@@ -1,7 +1,7 @@
 // The hand-off to the later installation steps: KV.txt in the user's documents folder, one ASCII line without
 // a line end, such as "KV260 192.168.1.40": model name, one space, address as entered by the user.
 //
-// All three functions run on the main thread and report errors only in the logs.
+// All functions run on the main thread and report errors only in the logs.
 
 #pragma once
 
@@ -9,6 +9,9 @@
 
 /// Overwrites the file in place with `line`. If `line` is null or not ASCII, the file is left unchanged.
 void writeToTextFile(const QString& line);
+
+/// Path of the file; relative without a documents folder.
+[[nodiscard]] QString selectionFilePath();
 
 /// Removes the file. Every outcome except a missing file is logged to the system log; success as "(null)".
 void RemoveFile();

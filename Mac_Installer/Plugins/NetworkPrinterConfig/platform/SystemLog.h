@@ -1,6 +1,6 @@
 // The system log: a few events of interest to administrators. The lines go to the logging category
 // "quazel.page"; the host program decides where they end up (the installer forwards them to syslog and to
-// standard error).
+// standard error, kv-select to syslog only).
 
 #pragma once
 
