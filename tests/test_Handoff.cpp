@@ -1,14 +1,11 @@
 // The exact bytes of the diagnostic log and the hand-off file, in working and in broken folders. A process
 // starts its log only once, so each case of it runs in a child process.
 
-#include "BuildDate.h"
 #include "handoff/DiagnosticLog.h"
 #include "handoff/SelectionFile.h"
 #include "platform/DocumentsFolder.h"
 #include "platform/FileManager.h"
 #include "support/Fixtures.h"
-
-#include <QDir>
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -72,7 +69,7 @@ class TestHandoff : public QObject {
         };
         for (const auto& [before, between, logs] : cases) {
             writeFile(home_.log(), "old\n");
-            const QString result = writeFile(home_.path() + u"/result"_s, "");
+            const QString result = home_.path() + u"/result"_s;
             if (::fork() == 0) {
                 ::unshare(CLONE_NEWNS);  // Its mounts end with it.
                 SystemLogCapture capture;

@@ -4,7 +4,6 @@
 #include "discovery/InstalledPrinters.h"
 #include "support/Fixtures.h"
 
-#include <QDir>
 #include <QElapsedTimer>
 #include <QRegularExpression>
 
@@ -12,7 +11,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <csignal>
 #include <functional>
 #include <thread>
 
@@ -118,7 +116,7 @@ class TestInstalledPrinters : public QObject {
         service_->send(SIGCONT);
         waitDivisor = 1;
         ppdOfQueue = [this](const char* name) {
-            service_->end(SIGKILL);
+            service_.reset();
             return __real_cupsGetPPD2(CUPS_HTTP_DEFAULT, name);
         };
         const QStringList log = logOf(series + u'1');

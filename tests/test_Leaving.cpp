@@ -8,7 +8,6 @@
 #include "support/Fixtures.h"
 
 #include <QApplication>
-#include <QDir>
 #include <QElapsedTimer>
 #include <QLoggingCategory>
 

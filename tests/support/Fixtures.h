@@ -3,6 +3,10 @@
 
 #pragma once
 
+#include "BuildDate.h"
+
+#include <QDir>
+#include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -39,7 +43,12 @@ int runTest(int argc, char** argv, bool needsPrivateNetwork) {
 /// before any path is looked up.
 class TemporaryHome {
   public:
-    TemporaryHome();
+    TemporaryHome() {
+        QDir(path()).mkpath(u"Documents"_s);
+        qputenv("HOME", path().toUtf8());
+        qunsetenv("XDG_CONFIG_HOME");
+        qunsetenv("XDG_DOCUMENTS_DIR");
+    }
 
     [[nodiscard]] QString path() const { return folder_.path(); }
     [[nodiscard]] QString documents() const { return folder_.filePath(u"Documents"_s); }
@@ -51,14 +60,27 @@ class TemporaryHome {
 };
 
 /// A file's bytes; null if it can't be read.
-[[nodiscard]] QByteArray contentOf(const QString& path);
+[[nodiscard]] inline QByteArray contentOf(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
 
-/// Returns the path.
-QString writeFile(const QString& path, const QByteArray& content);
+inline void writeFile(const QString& path, const QByteArray& content) {
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size()) {
+        qFatal("can't write %s", qUtf8Printable(path));
+    }
+}
 
 /// The messages of the diagnostic log since the last call, without the build date and tab before each.
 /// Each line of a multi-line message is a separate item.
-[[nodiscard]] QStringList takeLog(const TemporaryHome& home);
+[[nodiscard]] inline QStringList takeLog(const TemporaryHome& home) {
+    QString text = u'\n' + QString::fromUtf8(contentOf(home.log()));
+    text.replace(u"\n" QUAZEL_BUILD_DATE "\t"_s, u"\n"_s);
+    QFile::remove(home.log());
+    text.chop(text.endsWith(u'\n') ? 1 : 0);  // The line end of the last record.
+    return text.split(u'\n').mid(1);
+}
 
 /// Captures the lines of the category "quazel.page" during its lifetime. One at a time; create it after the
 /// test has started, as Qt Test installs its own message handler.
@@ -89,28 +111,41 @@ class SystemLogCapture {
 class SpawnedProgram {
   public:
     /// Runs a shell command with the test's environment and standard error.
-    explicit SpawnedProgram(const QString& command);
+    explicit SpawnedProgram(const QString& command)
+        : output_(::popen(qPrintable(u"echo $$; exec setpriv --pdeathsig KILL "_s + command), "re")),
+          pid_(readLine().toInt()) {}
     Q_DISABLE_COPY_MOVE(SpawnedProgram)
-    ~SpawnedProgram() { end(SIGKILL); }
+    ~SpawnedProgram() {
+        send(SIGKILL);
+        ::pclose(output_);
+    }
 
     /// Waits for the next line of its standard output; empty at the end.
-    [[nodiscard]] QByteArray readLine();
+    [[nodiscard]] QByteArray readLine() {
+        QByteArray line(256, '\0');
+        return std::fgets(line.data(), 256, output_) == nullptr ? QByteArray() : QByteArray(line.constData());
+    }
 
     void send(int signal) const { ::kill(pid_, signal); }
 
-    /// Sends the signal and waits until the process has ended.
-    void end(int signal);
-
   private:
-    FILE* output_;  // null once it has ended
+    FILE* output_;
     int pid_;
 };
 
 /// A virtual-printers process, stopped with this object. Needs a private network.
 struct VirtualPrinters : SpawnedProgram {
     /// `lines` as in the tool's list file. Returns when all printers listen.
-    explicit VirtualPrinters(const QStringList& lines);
+    explicit VirtualPrinters(const QStringList& lines)
+        : SpawnedProgram(QStringLiteral(QUAZEL_BIN_DIR "/virtual-printers /dev/stdin <<'END'\n") +
+                         lines.join(u'\n') + u"\nEND"_s) {
+        if (readLine() != "ready\n") {
+            qFatal("virtual-printers does not start");
+        }
+    }
 };
 
 /// A complete device id with the given model text.
-[[nodiscard]] QString deviceId(const QString& model);
+[[nodiscard]] inline QString deviceId(const QString& model) {
+    return u"MFG:Tovik;CMD:X;MDL:%1;CLS:PRINTER;DES:card printer;SERN:A1"_s.arg(model);
+}
