@@ -162,7 +162,11 @@ struct Rig {
         const QList<bool> enabled{list->isEnabled(), page->RefreshButton()->isEnabled(),
                                   page->radiobtnPrinterType()->isEnabled(), page->isNextEnabled(),
                                   page->isPreviousEnabled()};
-        const bool isCaptionShown = window.findChild<QLabel*>(u"searchingLabel"_s)->isVisible();
+        QStringList names;  // of the visible labels, as a screen reader reads them
+        for (QLabel* const label : window.findChildren<QLabel*>()) {
+            const QString name = QAccessible::queryAccessibleInterface(label)->text(QAccessible::Name);
+            names += label->isVisible() ? name : QString();
+        }
         PageModel seen;
         seen.step = titles.indexOf(window.findChild<QLabel*>(u"heading"_s)->text());
         seen.type = page->radiobtnPrinterType()->selectedRow();
@@ -182,8 +186,10 @@ struct Rig {
         seen.file = QString::fromLatin1(contentOf(home.selectionFile()));
         seen.summary = window.findChild<QLabel*>(u"summary"_s)->text().section(u"\n\n"_s, 1);
         seen.effects = std::exchange(effects, {}) + takeLog(home);
-        const bool isMixed = enabled.contains(seen.isSearching) || isCaptionShown != seen.isSearching ||
-                             field->isEditable() != field->isEnabled();
+        const bool isMixed =
+            enabled.contains(seen.isSearching) || names.contains(u"Searching…"_s) != seen.isSearching ||
+            !names.contains(titles.value(seen.step) + u", current step"_s) ||
+            names.contains(u"Problem"_s) != (seen.step == 0) || field->isEditable() != field->isEnabled();
         return (isMixed ? u"mixed "_s : QString()) + (window.isVisible() ? seen.text() : u"closed"_s);
     }
 
@@ -221,7 +227,7 @@ struct Rig {
     TextField* const field = page->IPAddressText();
     QAccessibleEditableTextInterface* const assistiveText =
         QAccessible::queryAccessibleInterface(field)->editableTextInterface();
-    InstallerWindow window{{new IntroductionPane(QString()), page, new SummaryPane}};
+    InstallerWindow window{{new IntroductionPane(u"Problem"_s), page, new SummaryPane}};
     const QList<QAbstractButton*> buttons = window.findChildren<QAbstractButton*>();  // as in Button
     QStringList effects;  // records, alerts and beeps, in order
     int closedAlerts = 0;
