@@ -54,7 +54,7 @@ void removeFileOnSignals(const QString& file) {
     struct sigaction handle {};
     handle.sa_handler = onSignal;
     handle.sa_flags = static_cast<int>(SA_RESETHAND | SA_NODEFER);
-    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+    for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) {
         struct sigaction present {};
         if (::sigaction(number, nullptr, &present) == 0 && present.sa_handler != SIG_IGN) {
             ::sigaction(number, &handle, nullptr);
@@ -182,6 +182,10 @@ bool choosePrinter(NetworkPrinterConfigPane& page, const QString& model, const Q
     int match = 0;
     for (int index = 1; index < page.PrinterIP()->count(); ++index) {
         const Printer printer(page.PrinterIP()->itemText(index));
+        if (printer.model == model && printer.address == plain(address)) {
+            page.PrinterIP()->selectItemAtIndex(index);  // Even if another printer has the same address.
+            return true;
+        }
         if (address.isEmpty() ? printer.model.startsWith(model) : printer.address == plain(address)) {
             matching += printer.text();
             match = index;
@@ -239,9 +243,12 @@ int handOver(const QString& model, int column, const QString& address) {
     const QString line = page.GetFileData(file);
     if (line.isEmpty()) {
         complain(u"%1 can't be written"_s.arg(file));
-        return exitRefused;
     }
-    return print({line});
+    const int status = line.isEmpty() ? int(exitRefused) : print({line});
+    if (status != exitDone) {
+        page.RemoveFile();
+    }
+    return status;
 }
 
 }  // namespace

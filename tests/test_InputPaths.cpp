@@ -193,7 +193,7 @@ struct Rig {
         return (isMixed ? u"mixed "_s : QString()) + (window.isVisible() ? seen.text() : u"closed"_s);
     }
 
-    /// From now on, closes every alert, by Return, Escape and a click in turn.
+    /// From now on, closes every alert, by its window, Return, Escape and a click in turn.
     void closeAlert() {
         QTimer::singleShot(1, &window, [this] { closeAlert(); });
         auto* const alert = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
@@ -214,10 +214,12 @@ struct Rig {
         }  // Otherwise the checks behind an alert opened this one.
         isBehindAlert = false;
         const QScopedValueRollback clock(QTest::lastMouseTimestamp);  // Don't advance the input's clock.
-        if (++closedAlerts % 3 == 0) {
+        if (++closedAlerts % 4 == 0) {
             QTest::mouseClick(alert->buttons().constFirst(), Qt::LeftButton);
+        } else if (closedAlerts % 4 == 1) {
+            alert->close();
         } else {
-            QTest::keyClick(alert, closedAlerts % 3 == 1 ? Qt::Key_Return : Qt::Key_Escape);
+            QTest::keyClick(alert, closedAlerts % 4 == 2 ? Qt::Key_Return : Qt::Key_Escape);
         }
     }
 
@@ -291,7 +293,6 @@ struct Input : rc::state::Command<PageModel, Rig> {
     QStringList printers;
 };
 
-void nothing(PageModel&, const Input&) {}
 void click(PageModel& model, const Input& input) {
     model.press(input.button, Qt::Key_unknown);
 }
@@ -339,7 +340,7 @@ const std::vector<Kind> kinds{
          QSpontaneKeyEvent::setSpontaneous(&event);  // Only those can change the focus.
          qApp->notify(rig.list, &event);
      },
-     nothing},
+     [](auto&, auto&) {}},
     {"type TEXT", OnField,
      [](auto& rig, auto& input) {
          rig.field->end(false);
@@ -397,6 +398,8 @@ const std::vector<Kind> kinds{
          rig.assistiveText->insertText(static_cast<int>(rig.field->text().size()), input.text);
      },
      append},
+    {"replace all with TEXT by assistance", Anywhere,
+     [](auto& rig, auto& input) { rig.assistiveText->replaceText(0, 15, input.text); }, replace},
     {"delete all by assistance", Anywhere, [](auto& rig, auto&) { rig.assistiveText->deleteText(0, 15); },
      [](auto& model, auto&) { model.edit({}); }},
     // Not caused by the user.

@@ -47,7 +47,6 @@ class TemporaryHome {
         QDir(path()).mkpath(u"Documents"_s);
         qputenv("HOME", path().toUtf8());
         qunsetenv("XDG_CONFIG_HOME");
-        qunsetenv("XDG_DOCUMENTS_DIR");
     }
 
     [[nodiscard]] QString path() const { return folder_.path(); }
