@@ -13,7 +13,7 @@ expect 2 'see --help' "$installer" now
 expect 1 "$HOME/missing: is not a readable folder" "$installer" --plugins "$HOME/missing"
 expect 1 "no usable plug-in in $pages" "$installer" --plugins "$pages"
 "$installer" &
-until grep -qs Initializing "$HOME/Documents/QzInstall.log"; do sleep 0.05; done
+until grep -qs Initializing "$HOME/Documents/QzInstall.log"; do kill -0 $!; sleep 0.05; done
 kill $!
 wait $!  # Its status is 0.
 
