@@ -172,13 +172,7 @@ Printers readPrinters(const QString& path) {
 
 class Subnet {
   public:
-    Subnet(Printers printers, const QString& recordPath)
-        : printers_(std::move(printers)), record_(recordPath) {
-        const auto mode = QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered;
-        if (!recordPath.isEmpty() && !record_.open(mode)) {
-            fail(refused,
-                 "cannot write " + recordPath.toLocal8Bit() + ": " + record_.errorString().toLocal8Bit());
-        }
+    explicit Subnet(Printers printers) : printers_(std::move(printers)) {
         if (!socket_.bind(QHostAddress::AnyIPv4, snmpPort, QUdpSocket::DontShareAddress)) {
             fail(refused, "cannot bind 0.0.0.0:161: " + socket_.errorString().toLocal8Bit());
         }
@@ -194,22 +188,11 @@ class Subnet {
         const quint32 to = request.destinationAddress().toIPv4Address();
         const auto found = printers_.find(to);
         if (to == allHostsGroup) {
-            record(request);
             for (const auto& [address, printer] : printers_) {
                 answer(address, printer, request);
             }
         } else if (found != printers_.end()) {
-            record(request);
             answer(found->first, found->second, request);
-        }
-    }
-
-    /// One write per line, so that a reader never sees a partial line.
-    void record(const QNetworkDatagram& request) {
-        const QByteArray bytes = request.data().isEmpty() ? "-" : request.data().toHex();
-        const QByteArray line = request.destinationAddress().toString().toLatin1() + ' ' + bytes + '\n';
-        if (record_.isOpen() && record_.write(line) != line.size()) {
-            fail(refused, "cannot write the record: " + record_.errorString().toLocal8Bit());
         }
     }
 
@@ -262,7 +245,6 @@ class Subnet {
     }
 
     Printers printers_;
-    QFile record_;
     QUdpSocket socket_;
 };
 
@@ -280,9 +262,6 @@ int main(int argc, char* argv[]) {
   ADDRESS raw HEXBYTES                 replies to the device id request with these bytes ("-": none)
 Blank lines and lines that start with # are ignored. Prints "ready" when the printers
 listen, and runs until a signal ends it.)"_s);
-    const QCommandLineOption record(u"record"_s, u"Append \"ADDRESS HEXBYTES\" for each request to FILE."_s,
-                                    u"FILE"_s);
-    parser.addOption(record);
     parser.addPositionalArgument(u"LIST"_s, u"The printers."_s);
     parser.addHelpOption();
     if (!parser.parse(QCoreApplication::arguments())) {
@@ -294,7 +273,7 @@ listen, and runs until a signal ends it.)"_s);
     if (parser.positionalArguments().size() != 1) {
         fail(wrongUsage, "expected one LIST; see --help");
     }
-    const Subnet subnet(readPrinters(parser.positionalArguments().constFirst()), parser.value(record));
+    const Subnet subnet(readPrinters(parser.positionalArguments().constFirst()));
     std::puts("ready");
     std::fflush(stdout);
     return QCoreApplication::exec();
