@@ -36,8 +36,9 @@ void complain(const QString& text) {
 }
 
 /// Qt's message handler: forwards to syslog(3). Any thread.
-void logMessage(QtMsgType /*type*/, const QMessageLogContext& /*context*/, const QString& message) {
-    ::syslog(LOG_INFO, "%s", qUtf8Printable(message));
+void logMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
+    constexpr int priorities[]{LOG_DEBUG, LOG_WARNING, LOG_ERR, LOG_CRIT, LOG_INFO};  // by QtMsgType
+    ::syslog(priorities[type], "%s", qUtf8Printable(message));
 }
 
 char handOffFile[PATH_MAX];  // Path for onSignal; never destroyed.
@@ -54,7 +55,7 @@ void removeFileOnSignals(const QString& file) {
     struct sigaction handle {};
     handle.sa_handler = onSignal;
     handle.sa_flags = static_cast<int>(SA_RESETHAND | SA_NODEFER);
-    for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) {
+    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
         struct sigaction present {};
         if (::sigaction(number, nullptr, &present) == 0 && present.sa_handler != SIG_IGN) {
             ::sigaction(number, &handle, nullptr);
@@ -256,6 +257,8 @@ int handOver(const QString& model, int column, const QString& address) {
 int main(int argc, char** argv) {
     ::openlog("kv-select", LOG_PID, LOG_USER);
     qInstallMessageHandler(logMessage);
+    (void)std::signal(SIGPIPE,
+                      SIG_IGN);  // A closed standard output is an error of print(), also before CUPS.
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qunsetenv("QT_QPA_PLATFORMTHEME");  // A theme may need a display.
     QStringList all;

@@ -26,7 +26,6 @@ cp "$2"/*.so "$HOME"
 mkfifo "$HOME/fifo"
 expect_refused "$HOME/fifo" 'is not a regular file'
 expect_refused "$HOME/text" 'is not a plug-in'
-expect_refused "$HOME/plugin_foreign.so" 'is made for "org.example.Other"'
 expect_refused "$HOME/plugin_newer.so" 'is made for "com.tovik.quazel.InstallerPluginFactory/2.0"'
 expect_refused "$HOME/plugin_empty.so" 'did not create a page'
 

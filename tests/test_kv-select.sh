@@ -51,7 +51,8 @@ expect 1 '[1||kv-select: Selected Printer model is KV260|' run KV410 010.0.0.03
 expect 0 '[0|KV410 192.168.1.40||KV410 192.168.1.40!' run KV410 192.168.1.40
 expect 0 'shouldExitPane  :: Return' tail -n 1 "$documents/QzInstall.log"
 expect 0 '' ls "$documents/QzInstall-2023-11-04-080500-7.log"  # The search has run seven times.
-expect 1 "can't write to standard output" eval '"$program" --list >/dev/full'
+expect 1 "can't write to standard output" eval '"$program" KV260 >/dev/full'
+expect 2 'No such file' ls "$documents/KV.txt"
 
 # Replies can't send control characters to the terminal.
 expect 0 'Searching for printers ...' script -qec "$program --list" "$HOME/typescript"
@@ -64,7 +65,7 @@ expect 1 '[1||kv-select: A Printer with this IP Address is already Installed, Pl
     run KV260
 
 # A pipe in place of KV.txt blocks the program where it writes the file, and the signal removes the pipe.
-for signal in INT TERM; do
+for signal in INT TERM HUP; do
     rm -f "$documents"/{KV.txt,QzInstall.log}
     env --default-signal "$1" KV260 192.168.1.40 &
     until grep -qs 'Before Get' "$documents/QzInstall.log"; do sleep 0.02; done

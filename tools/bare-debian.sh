@@ -1,9 +1,13 @@
-# Sourced: minimal Debian systems in folders. The array as_root is (sudo), or empty for root.
+# Sourced: minimal Debian systems in folders. The array as_root is (sudo), or empty for root. The folder $work is
+# removed at the end.
 
 as_root=()
 if ((EUID != 0)); then
     as_root=(sudo)
 fi
+work=$(mktemp -d)
+trap '"${as_root[@]}" rm -rf --one-file-system -- "$work"' EXIT
+trap 'exit 130' INT  # bash ignores a SIGINT that the running command survives.
 
 # make_bare_debian SUITE FOLDER: uses this machine's package sources, with the suite replaced by SUITE.
 make_bare_debian() {

@@ -165,10 +165,3 @@ class Walk:
             self.key("Tab")
             time.sleep(0.2)  # For the focus change and its event.
         raise AssertionError(f"the Tab key does not reach {name(node)!r}")
-
-    def wait_exit(self, timeout=10):
-        """Waits for the program to end; returns its exit status."""
-        try:
-            return self.process.wait(timeout)
-        except subprocess.TimeoutExpired:
-            raise AssertionError("the program does not end") from None

@@ -130,7 +130,7 @@ class Installer(Walk):
         assert HAND_OFF.read_bytes() == f"{model} {address}".encode(), f"KV.txt has {HAND_OFF.read_bytes()}"
 
     def expect_end(self, timeout=10):
-        status = self.wait_exit(timeout)
+        status = self.process.wait(timeout)
         assert status == 0, f"the installer ended with the status {status}"
 
 

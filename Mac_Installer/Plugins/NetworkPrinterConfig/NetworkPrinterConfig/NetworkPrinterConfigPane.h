@@ -94,7 +94,7 @@ class NetworkPrinterConfigPane : public InstallerPane {
     void CheckExistingVersion();
 
     // The properties. Access is atomic, except for the three plain values, which are for the main thread
-    // only. The page owns its list, its content widget the other controls; a destroyed one reads as null.
+    // only. The page deletes its list, its content widget the other controls; a destroyed one reads as null.
     [[nodiscard]] ComboBox* PrinterIP() const { return PrinterIP_.load(); }
     [[nodiscard]] RadioMatrix* radiobtnPrinterType() const { return radiobtnPrinterType_.load(); }
     [[nodiscard]] QGroupBox* PrinterIPInfoBox() const { return PrinterIPInfoBox_.load(); }

@@ -85,7 +85,7 @@ void NetworkPrinterConfigPane::makeContent() {
         policy.setRetainSizeWhenHidden(true);
         control->setSizePolicy(policy);
     }
-    // The form's tab order, but after the connection types, whose buttons are created last.
+    // The form's tab order, but after the connection types, whose buttons are created after them.
     QWidget::setTabOrder(form.radiobtnPrinterType->cellAt(1, 0), form.PrinterIP);
     QWidget::setTabOrder(form.PrinterIP, form.RefreshButton);
     QWidget::setTabOrder(form.RefreshButton, form.IPAddressText);

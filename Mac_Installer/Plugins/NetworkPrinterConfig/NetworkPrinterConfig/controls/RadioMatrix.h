@@ -34,7 +34,7 @@ class RadioMatrix : public QWidget {
     /// Checks (1) or unchecks (0) a cell; the selected cell stays checked until another is selected.
     void setState(int state, int row, int column);
 
-    /// The button of a cell, or null if there is none.
+    /// The button of a cell, which must exist.
     [[nodiscard]] QAbstractButton* cellAt(int row, int column) const;
 
   signals:
