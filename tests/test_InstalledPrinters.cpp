@@ -1,5 +1,5 @@
-// The check of the print queues and its log, with a private print service that works, stops responding, and
-// ends.
+// The check of the print queues and its log, as root and as an ordinary user, with a private print service
+// that works, stops responding, and ends.
 
 #include "discovery/InstalledPrinters.h"
 #include "support/Fixtures.h"
@@ -8,6 +8,8 @@
 #include <QRegularExpression>
 
 #include <cups/cups.h>
+#include <linux/capability.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -17,6 +19,7 @@
 namespace {
 
 std::function<const char*(const char*)> ppdOfQueue;  // Replaces CUPS's function, if set.
+const char* server = nullptr;                        // Replaces the name of CUPS's server, if set.
 int waitDivisor = 1;                                 // Shortens the program's waits.
 int longestWait = 0;                                 // Before shortening, in milliseconds.
 
@@ -29,6 +32,15 @@ const std::pair<QString, QByteArrayList> queues[]{{u"Office"_s, {"OFFICE.PPD"}},
                                                   {series + u'3', {}}};
 constexpr auto queueCount = static_cast<int>(std::size(queues));
 
+/// Takes root's right to access every file from this thread, so that it may read as much as an ordinary user.
+void becomeOrdinaryUser() {
+    __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
+    __user_cap_data_struct rights[2]{};
+    if (::syscall(SYS_capset, &header, rights) != 0) {
+        qFatal("capset");
+    }
+}
+
 }  // namespace
 
 // Called instead of CUPS's functions (linker option --wrap).
@@ -36,6 +48,10 @@ extern "C" {
 const char* __real_cupsGetPPD2(http_t* http, const char* name);
 const char* __wrap_cupsGetPPD2(http_t* http, const char* name) {
     return ppdOfQueue ? ppdOfQueue(name) : __real_cupsGetPPD2(http, name);
+}
+const char* __real_cupsServer();
+const char* __wrap_cupsServer() {
+    return server != nullptr ? server : __real_cupsServer();
 }
 int __real_httpWait(http_t* http, int milliseconds);
 int __wrap_httpWait(http_t* http, int milliseconds) {
@@ -63,20 +79,43 @@ class TestInstalledPrinters : public QObject {
         QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(QString::fromUtf8(socket_)), 40'000);
     }
 
+    /// An ordinary user may not read the installed PPDs, and gets copies from CUPS.
     void logsEachQueue() {
-        // Remove the common parts of all names and paths.
-        QString log = logOf(series + u'2').join(u'|').remove(cups_ + u"/etc/ppd"_s);
-        QCOMPARE(
-            log.replace(series, u"KV."_s),
-            u"GetInstalledPrinterList|Number of printers found in the system is 4|"
-            "Model Name *** Is KV.2|Printer name is Office|PPD name is /Office.ppd|Attr  value is OFFICE.PPD|"
-            "Printer name is KV.1|PPD name is /KV.1.ppd|String str Value is KV.1|"
-            "ModelName string was not found|Attr  value is KV210.PPD|"
-            "Printer name is KV.2|PPD name is /KV.2.ppd|Attr  value is OTHER.PPD|"
-            "String str Value is KV.2|ModelName String was found|"
-            "Printer name is KV.3|PPD name is /KV.3.ppd|PPD open failed|"
-            "Return from CUPS Printer List"_s);
-        QCOMPARE(g_PrinterAlreadyInstalled, 1);
+        for (const bool isRoot : {true, false}) {
+            // Remove the common parts of all names and paths.
+            QString log = logOf(series + u'2', isRoot).join(u'|').remove(cups_ + u"/etc/ppd/"_s);
+            log.replace(QRegularExpression(cups_ + u"/tmp/\\w+"_s), u"COPY"_s);
+            const auto ppd = [isRoot](const QString& name) { return isRoot ? name + u".ppd"_s : u"COPY"_s; };
+            QCOMPARE(
+                log.replace(series, u"KV."_s),
+                u"GetInstalledPrinterList|Number of printers found in the system is 4|"
+                "Model Name *** Is KV.2|Printer name is Office|PPD name is %1|Attr  value is OFFICE.PPD|"
+                "Printer name is KV.1|PPD name is %2|String str Value is KV.1|"
+                "ModelName string was not found|Attr  value is KV210.PPD|"
+                "Printer name is KV.2|PPD name is %3|Attr  value is OTHER.PPD|"
+                "String str Value is KV.2|ModelName String was found|"
+                "Printer name is KV.3|PPD name is %4|PPD open failed|Return from CUPS Printer List"_s.arg(
+                    ppd(u"Office"_s), ppd(u"KV.1"_s), ppd(u"KV.2"_s), ppd(u"KV.3"_s)));
+            QCOMPARE(g_PrinterAlreadyInstalled, 1);
+        }
+    }
+
+    /// A copy counts only in place of an installed PPD that the user may not read, from a local service.
+    void skipsOtherCopies() {
+        const QByteArray copy = (home_.path() + u"/copy"_s).toUtf8();
+        QVERIFY(QFile::copy(ppdPath(series + u'1'), QString::fromUtf8(copy)));
+        ppdOfQueue = [&copy](const char*) { return copy.constData(); };
+        const auto isInstalled = [this](bool isRoot) {
+            (void)logOf(series + u'1', isRoot);
+            return g_PrinterAlreadyInstalled == 1;
+        };
+        QVERIFY(isInstalled(false) && !isInstalled(true));
+        qputenv("CUPS_SERVERROOT", "/nowhere");
+        QVERIFY(!isInstalled(false));
+        qputenv("CUPS_SERVERROOT", (cups_ + u"/etc"_s).toUtf8());
+        server = "127.0.0.1";
+        QVERIFY(!isInstalled(false));
+        server = nullptr;
     }
 
     /// The longest link target that fits the buffer is used; one byte more, or no link, is not.
@@ -129,10 +168,15 @@ class TestInstalledPrinters : public QObject {
 
   private:
     /// The log of one check, without error numbers, which are up to CUPS.
-    QStringList logOf(const QString& lookedFor) {
+    QStringList logOf(const QString& lookedFor, bool isRoot = true) {
         g_ModelName = lookedFor;
         // A new thread each time, as CUPS remembers its server per thread.
-        std::thread(GetInstalledPrinterList).join();
+        std::thread([isRoot] {
+            if (!isRoot) {
+                becomeOrdinaryUser();
+            }
+            GetInstalledPrinterList();
+        }).join();
         return takeLog(home_).replaceInStrings(QRegularExpression(u"^(PPD open failed) \\d+$"_s), u"\\1"_s);
     }
 

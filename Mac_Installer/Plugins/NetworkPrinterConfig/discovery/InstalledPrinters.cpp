@@ -5,6 +5,7 @@
 #include "platform/StringFormat.h"
 #include "platform/SystemLog.h"
 
+#include <QByteArray>
 #include <QElapsedTimer>
 
 #include <cups/cups.h>
@@ -56,24 +57,37 @@ bool isServiceSilent() {
     return isSilent;
 }
 
-/// The destinations of the default server, freed together, and the links to their PPDs. If the service
-/// doesn't respond there are no destinations; once it stops responding there are no more links.
+/// Whether the queue is local and its PPD installed, but not readable for this user. On Debian, PPDs belong
+/// to the group lp, and only root and members of lp may read them.
+bool isInstalledPpdUnreadable(const char* queue) {
+    const QByteArray server(cupsServer());
+    if (!server.startsWith('/') && server.compare("localhost", Qt::CaseInsensitive) != 0) {
+        return false;
+    }
+    const QByteArray root = qgetenv("CUPS_SERVERROOT");
+    const QByteArray ppd = (root.isEmpty() ? "/etc/cups" : root) + "/ppd/" + queue + ".ppd";
+    return ::access(ppd.constData(), R_OK) != 0 && errno == EACCES;
+}
+
+/// The destinations of the default server, freed together, and their PPDs. If the service doesn't respond
+/// there are no destinations; once it stops responding there are no more PPDs.
 struct PrintService {
     PrintService() = default;
     PrintService(const PrintService&) = delete;
     PrintService& operator=(const PrintService&) = delete;
     ~PrintService() { cupsFreeDests(count, list); }
 
-    /// Null for a queue without a PPD.
-    [[nodiscard]] const char* linkToPpdOf(const char* queue) {
+    /// The file that CUPS creates for a queue's PPD: a link to the installed PPD, or a copy. Null for a queue
+    /// without a PPD.
+    [[nodiscard]] const char* ppdOf(const char* queue) {
         if (isSilent) {
             return nullptr;
         }
         QElapsedTimer timer;
         timer.start();
-        const char* const link = cupsGetPPD2(CUPS_HTTP_DEFAULT, queue);
+        const char* const file = cupsGetPPD2(CUPS_HTTP_DEFAULT, queue);
         isSilent = timer.elapsed() >= slowAnswer && isServiceSilent();
-        return link;
+        return file;
     }
 
     bool isSilent = isServiceSilent();
@@ -81,14 +95,16 @@ struct PrintService {
     int count = isSilent ? 0 : cupsGetDests2(CUPS_HTTP_DEFAULT, &list);
 };
 
-/// Opens the PPD of a queue. CUPS provides a symbolic link to it for local queues; anything else, including a
-/// queue without a PPD, is not opened.
+/// Opens the PPD of a queue: the target of the link that CUPS provides for local queues, or, if the user may
+/// not read the target, the copy that CUPS provides instead. Nothing else is opened; a queue may have no PPD.
 Ppd openPpdOf(const char* queue, PrintService& service) {
     std::array<char, 1024> path{};
-    const char* const link = service.linkToPpdOf(queue);
-    // readlink() doesn't terminate a target that fills the buffer, and it may be truncated: don't follow it.
-    if (link != nullptr && ::readlink(link, path.data(), path.size()) == std::ssize(path)) {
-        path.fill('\0');
+    const char* const file = service.ppdOf(queue);
+    const ssize_t length = file == nullptr ? 0 : ::readlink(file, path.data(), path.size());
+    if (length == std::ssize(path)) {
+        path.fill('\0');  // Not terminated, and maybe truncated.
+    } else if (length < 0 && isInstalledPpdUnreadable(queue)) {
+        qstrncpy(path.data(), file, path.size());
     }
     tDebugPrint("PPD name is %s\n", path.data());
     Ppd ppd(ppdOpenFile(path.data()), &ppdClose);
