@@ -2,6 +2,7 @@
 // does, without a display, so that the search, the checks, the logs and the hand-off file are the page's own.
 
 #include "Installer/HandOffFolder.h"
+#include "Installer/InstallerRun.h"
 #include "NetworkPrinterConfig/IPAddressTextValidator.h"
 #include "NetworkPrinterConfig/NetworkPrinterConfigPane.h"
 #include "NetworkPrinterConfig/OnlyIntegerValueFormatter.h"
@@ -17,6 +18,7 @@
 #include <QFile>
 #include <QMessageBox>
 
+#include <sys/wait.h>
 #include <syslog.h>
 #include <unistd.h>
 
@@ -41,17 +43,34 @@ void logMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QSt
     ::syslog(priorities[type], "%s", qUtf8Printable(message));
 }
 
-char handOffFile[PATH_MAX];  // Path for onSignal; never destroyed.
+// Paths for onSignal; never destroyed. The hand-off file's is empty until this run writes the file.
+char handOffFile[PATH_MAX];
+char lockFile[PATH_MAX];
+char temporaryFolder[PATH_MAX];
 
-/// Removes the hand-off file and ends the program by the signal, even while it waits for the print service.
+void setPath(char (&path)[PATH_MAX], const QString& value) {
+    qstrncpy(path, QFile::encodeName(value), sizeof(path));
+}
+
+/// Removes what this run has created and ends the program by the signal, even while it waits for the print
+/// service. Async-signal-safe; no function that removes a folder is.
 void onSignal(int number) {
     ::unlink(handOffFile);
+    const pid_t child = ::_Fork();
+    if (child == 0) {
+        ::execl("/bin/rm", "rm", "-rf", "--", lockFile, temporaryFolder, nullptr);
+        ::_exit(1);
+    }
+    if (child > 0) {
+        ::waitpid(child, nullptr, 0);
+    }
     (void)::raise(number);
 }
 
 /// Handles the signals once; those that are ignored, as under nohup, stay ignored.
-void removeFileOnSignals(const QString& file) {
-    qstrncpy(handOffFile, QFile::encodeName(file), sizeof(handOffFile));
+void cleanUpOnSignals(const InstallerRun& run) {
+    setPath(lockFile, run.lockFile());
+    setPath(temporaryFolder, run.temporaryFolder());
     struct sigaction handle {};
     handle.sa_handler = onSignal;
     handle.sa_flags = static_cast<int>(SA_RESETHAND | SA_NODEFER);
@@ -60,6 +79,16 @@ void removeFileOnSignals(const QString& file) {
         if (::sigaction(number, nullptr, &present) == 0 && present.sa_handler != SIG_IGN) {
             ::sigaction(number, &handle, nullptr);
         }
+    }
+}
+
+/// Under sudo, the files and the folder are root's, unless it keeps the user's HOME.
+void warnUnderSudo(const QString& file) {
+    const QString user = qEnvironmentVariable("SUDO_USER");
+    if (::geteuid() == 0 && !user.isEmpty() && user != u"root"_s) {
+        complain(
+            u"warning: under sudo, %1 will belong to root; to hand over as %2, run kv-select without sudo"_s
+                .arg(file, user));
     }
 }
 
@@ -213,12 +242,7 @@ bool choosePrinter(NetworkPrinterConfigPane& page, const QString& model, const Q
 /// Returns the exit status.
 int handOver(const QString& model, int column, const QString& address) {
     const QString file = selectionFilePath();
-    removeFileOnSignals(file);
-    const QString problem = prepareHandOffFolder();
-    if (!problem.isNull()) {
-        complain(problem);
-        return exitRefused;
-    }
+    warnUnderSudo(file);
     AlertPrinter alerts;
     qApp->installEventFilter(&alerts);
     NetworkPrinterConfigPane page;
@@ -238,6 +262,7 @@ int handOver(const QString& model, int column, const QString& address) {
     } else if (!model.isEmpty()) {
         models.selectCellAtRow(0, column);  // Locked for a listed printer; the page compares the two.
     }
+    setPath(handOffFile, file);
     if (!page.shouldExitPane(InstallerDirectionForward)) {
         return exitRefused;
     }
@@ -248,6 +273,8 @@ int handOver(const QString& model, int column, const QString& address) {
     const int status = line.isEmpty() ? int(exitRefused) : print({line});
     if (status != exitDone) {
         page.RemoveFile();
+    } else if (::isatty(STDERR_FILENO) != 0) {
+        complain(u"wrote %1"_s.arg(file));
     }
     return status;
 }
@@ -255,6 +282,10 @@ int handOver(const QString& model, int column, const QString& address) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    const QString noHome = findHomeFolder();
+    // Before the application object, as Qt may create a folder in TMPDIR as well. Static, as --help calls
+    // exit().
+    static InstallerRun run;
     ::openlog("kv-select", LOG_PID, LOG_USER);
     qInstallMessageHandler(logMessage);
     (void)std::signal(SIGPIPE,
@@ -310,7 +341,19 @@ int main(int argc, char** argv) {
         return exitUsage;
     }
     parser.process(all);  // Handles --help and --version.
+    problem = noHome;
 
+    if (problem.isNull() && !parser.isSet(list)) {
+        problem = prepareHandOffFolder();
+    }
+    if (problem.isNull()) {
+        problem = run.takeLock();
+    }
+    if (!problem.isNull()) {
+        complain(problem);
+        return exitRefused;
+    }
+    cleanUpOnSignals(run);
     keepEarlierLog();
     return parser.isSet(list) ? listPrinters()
                               : handOver(model, static_cast<int>(row - modelCatalog.begin()), address);

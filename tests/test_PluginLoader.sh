@@ -5,7 +5,8 @@ source "$(dirname "$0")/support/expect.sh"
 installer=$1
 export QT_QPA_PLATFORM=offscreen
 pages=$HOME/pages
-mkdir "$pages"
+mkdir "$pages" "$HOME/tmp"
+export TMPDIR=$HOME/tmp
 
 expect 0 'quazel-installer 1.' "$installer" -v
 expect 2 'colour' "$installer" --colour
@@ -14,8 +15,24 @@ expect 1 "$HOME/missing: is not a readable folder" "$installer" --plugins "$HOME
 expect 1 "no usable plug-in in $pages" "$installer" --plugins "$pages"
 "$installer" &
 until grep -qs Initializing "$HOME/Documents/QzInstall.log"; do kill -0 $!; sleep 0.05; done
+first=$!
+# A second run opens a message instead.
+"$installer" 2>"$HOME/second" &
+until grep -qs "quazel-installer is already running (process $first on $HOSTNAME) and uses $HOME/Documents" "$HOME/second"; do
+    kill -0 $!
+    sleep 0.05
+done
 kill $!
-wait $!  # Its status is 0.
+status=0
+wait $! || status=$?
+expect 0 1 echo $status
+kill $first
+wait $first  # Its status is 0.
+diff <(cd "$HOME" && find Documents tmp | sort) - <<<$'Documents\nDocuments/QzInstall.log\ntmp'
+
+diff <(env -u QT_QPA_PLATFORM -u WAYLAND_DISPLAY DISPLAY=:99 "$installer" 2>&1) - <<END
+quazel-installer: no usable display: DISPLAY=:99 WAYLAND_DISPLAY= QT_QPA_PLATFORM=; start the program in a desktop session
+END
 
 expect_refused() {
     mv "$1" "$pages/page.so"

@@ -48,7 +48,8 @@ expect 0 $'[0|KV260 10.0.0.3\nKV460 10.0.0.4\nKV460 10.0.0.5||old!' run --list
 expect 0 '[0|KV260 10.0.0.3||KV260 10.0.0.3!' run KV260
 expect 1 $'[3||KV460 10.0.0.4\nKV460 10.0.0.5\nkv-select: more than one printer responded; use' run KV460
 expect 1 '[1||kv-select: Selected Printer model is KV260|' run KV410 010.0.0.03
-expect 0 '[0|KV410 192.168.1.40||KV410 192.168.1.40!' run KV410 192.168.1.40
+SUDO_USER=alice expect 0 "[0|KV410 192.168.1.40|kv-select: warning: under sudo, $documents/KV.txt will belong to root; to \
+hand over as alice, run kv-select without sudo|KV410 192.168.1.40!" run KV410 192.168.1.40
 expect 0 'shouldExitPane  :: Return' tail -n 1 "$documents/QzInstall.log"
 expect 0 '' ls "$documents/QzInstall-2023-11-04-080500-7.log"  # The search has run seven times.
 expect 1 "can't write to standard output" eval '"$program" KV260 >/dev/full'
@@ -58,27 +59,52 @@ expect 2 'No such file' ls "$documents/KV.txt"
 expect 0 'Searching for printers ...' script -qec "$program --list" "$HOME/typescript"
 expect 0 $'PrinterInfo.szModel LP\\x1b[1m' cat "$HOME/typescript"
 
-mkdir -p "$HOME/cups/etc/ppd"
-sed 's/@MODEL@/KV260/' "$tools/kv-series.ppd.in" >"$HOME/cups/etc/ppd/Tovik-KV260-Ethernet-Printer-IP=10.0.0.3.ppd"
+# A queue exists: refused for root, who gets a link to its PPD, and for an ordinary user, who gets a copy.
+ppd=$HOME/cups/etc/ppd/Tovik-KV260-Ethernet-Printer-IP=10.0.0.3.ppd
+mkdir -p "${ppd%/*}"
+sed 's/@MODEL@/KV260/' "$tools/kv-series.ppd.in" >"$ppd"
+refused='[1||kv-select: A Printer with this IP Address is already Installed, Please choose another Ethernet Printer|'
 program=("$tools/private-cupsd" "$HOME/cups" "$1")
-expect 1 '[1||kv-select: A Printer with this IP Address is already Installed, Please choose another Ethernet Printer|' \
-    run KV260
+expect 1 "$refused" run KV260
+expect 0 "PPD name is $ppd" grep 'PPD name' "$documents/QzInstall.log"
+program=("$tools/private-cupsd" "$HOME/cups" "$tools/as-user" "$1")
+expect 1 "$refused" run KV260
+expect 0 "PPD name is $HOME/cups/tmp/quazel-installer-" grep 'PPD name' "$documents/QzInstall.log"
+expect 0 '' rmdir "$HOME/cups/tmp"  # Nothing is left in it.
+expect 0 "kv-select: wrote $documents/KV.txt" script -qec "$1 KV260" /dev/null
 
-# A pipe in place of KV.txt blocks the program where it writes the file, and the signal removes the pipe.
-for signal in INT TERM HUP; do
-    rm -f "$documents"/{KV.txt,QzInstall.log}
+# A pipe in place of KV.txt blocks the program where it writes the file, and the signal removes the pipe. A second run
+# changes nothing. After SIGKILL, the next run ignores the lock.
+mkdir "$HOME/tmp"
+export TMPDIR=$HOME/tmp
+for signal in KILL INT TERM HUP; do
+    rm -f "$documents"/{KV.txt,QzInstall*.log}
     env --default-signal "$1" KV260 192.168.1.40 &
     until grep -qs 'Before Get' "$documents/QzInstall.log"; do sleep 0.02; done
     mkfifo "$documents/KV.txt"
     until grep -q 'writeToTextFile KV' "$documents/QzInstall.log"; do sleep 0.02; done
+    expect 1 "kv-select is already running (process $! on $HOSTNAME) and uses $documents" "$1" --list
     kill -$signal $!
     status=0
     wait $! || status=$?
-    expect 2 'No such file' ls "$documents/KV.txt"
     expect 0 "$signal" kill -l $status
+    if [[ $signal == KILL ]]; then
+        rm -r "$TMPDIR"/*
+    else
+        diff <(cd "$HOME" && find Documents tmp) - <<<$'Documents\nDocuments/QzInstall.log\ntmp'
+    fi
 done
 printf old >"$documents/KV.txt"
 mount --bind "$documents/KV.txt" "$documents/KV.txt"
 expect 1 "KV.txt can't be removed" "$1" KV260
 umount "$documents/KV.txt"
 HOME=$HOME/output expect 1 "/output/Documents can't be written to" "$1" KV260
+
+# Without HOME, the passwd entry counts. A name service may know root without an entry.
+echo 'passwd: files' >"$HOME/nsswitch"
+echo "root:x:0:0::$HOME/output:/bin/sh" >"$HOME/passwd"
+mount --bind "$HOME/nsswitch" /etc/nsswitch.conf
+mount --bind "$HOME/passwd" /etc/passwd
+expect 1 "$HOME/output/Documents can't be written to" env -u HOME "$1"
+: >"$HOME/passwd"
+expect 1 'no home folder: HOME is not set, and user 0 has no passwd entry' env -u HOME "$1"

@@ -1,6 +1,7 @@
 // quazel-installer: loads the pages and shows the window.
 
 #include "Installer/HandOffFolder.h"
+#include "Installer/InstallerRun.h"
 #include "Installer/InstallerWindow.h"
 #include "Installer/IntroductionPane.h"
 #include "Installer/PluginLoader.h"
@@ -11,11 +12,13 @@
 #include <QByteArrayList>
 #include <QCommandLineParser>
 #include <QDir>
+#include <QMessageBox>
 
 #include <syslog.h>
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <vector>
 
@@ -36,25 +39,47 @@ void forwardMessage(QtMsgType type, const QMessageLogContext& /*context*/, const
     printMessage(message);
 }
 
-/// Returns null without a display, as QApplication would abort. --help and --version work without one, so
-/// they get a QCoreApplication.
+/// Qt's message handler until the display is open: QApplication describes over several lines why it can't
+/// open it, and aborts.
+void endWithoutDisplay(QtMsgType type, const QMessageLogContext& /*context*/, const QString& /*message*/) {
+    if (type != QtFatalMsg) {
+        return;
+    }
+    printMessage(
+        QStringLiteral("no usable display: DISPLAY=%1 WAYLAND_DISPLAY=%2 QT_QPA_PLATFORM=%3; start the "
+                       "program in a desktop session")
+            .arg(qEnvironmentVariable("DISPLAY"), qEnvironmentVariable("WAYLAND_DISPLAY"),
+                 qEnvironmentVariable("QT_QPA_PLATFORM")));
+    std::_Exit(exitFailure);
+}
+
+/// --help and --version work without a display.
 std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
     const QByteArrayList helpers{"-h", "--help", "--help-all", "-v", "--version"};
     if (std::any_of(argv, argv + argc, [&](const char* argument) { return helpers.contains(argument); })) {
         return std::make_unique<QCoreApplication>(argc, argv);
     }
-    for (const char* const variable : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
-        if (!qEnvironmentVariableIsEmpty(variable)) {
-            return std::make_unique<QApplication>(argc, argv);
-        }
-    }
-    printMessage(QStringLiteral(
-        "no display: DISPLAY and WAYLAND_DISPLAY are not set; start the program in a desktop session"));
-    return nullptr;
+    qInstallMessageHandler(endWithoutDisplay);
+    auto application = std::make_unique<QApplication>(argc, argv);
+    qInstallMessageHandler(forwardMessage);
+    return application;
+}
+
+/// Reports why the installer can't start, also in a window, as its caller may show no standard error.
+int refuse(const QString& problem) {
+    printMessage(problem);
+    QMessageBox(QMessageBox::Warning, QCoreApplication::applicationName(), problem, QMessageBox::Close)
+        .exec();
+    return exitFailure;
 }
 
 int runInstaller(const QString& pluginFolder) {
     const QString problem = prepareHandOffFolder();
+    InstallerRun run;
+    const QString otherRun = run.takeLock();
+    if (!otherRun.isNull()) {
+        return refuse(otherRun);
+    }
     if (!problem.isNull()) {
         printMessage(problem);
     }
@@ -79,10 +104,9 @@ int runInstaller(const QString& pluginFolder) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    const QString noHome = findHomeFolder();
+    ::openlog("quazel-installer", LOG_PID, LOG_USER);
     const std::unique_ptr<QCoreApplication> application = makeApplication(argc, argv);
-    if (!application) {
-        return exitFailure;
-    }
     QCoreApplication::setOrganizationName(QStringLiteral("Tovik"));
     QCoreApplication::setApplicationName(QStringLiteral("quazel-installer"));
     QCoreApplication::setApplicationVersion(QStringLiteral(QUAZEL_VERSION));
@@ -106,8 +130,6 @@ int main(int argc, char** argv) {
     }
     parser.process(*application);  // Handles --help and --version.
 
-    ::openlog("quazel-installer", LOG_PID, LOG_USER);
-    qInstallMessageHandler(forwardMessage);
     quitOnTerminationSignals();
-    return runInstaller(parser.value(plugins));
+    return noHome.isNull() ? runInstaller(parser.value(plugins)) : refuse(noHome);
 }
