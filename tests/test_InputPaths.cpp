@@ -23,6 +23,8 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QPlainTextEdit>
+#include <QPushButton>
 #include <QRadioButton>
 #include <QScopedValueRollback>
 #include <QTimer>
@@ -454,6 +456,31 @@ class TestInputPaths : public QObject {
                 return rc::gen::resize(rc::kNominalSize, rc::gen::exec([model] { return anyInput(model); }));
             });
         }));
+    }
+
+    /// Held keys repeat in a page's text, and a long double-click interval loses no deliberate presses.
+    void otherPressesCount() {
+        struct TextPage : InstallerPane {
+            TextPage() { setContentWidget(new QPlainTextEdit); }
+            [[nodiscard]] QString title() const override { return u"Text"_s; }
+        };
+        auto* const page = new TextPage;
+        InstallerWindow window({page, new TextPage, new TextPage});
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        for (const QKeyCombination key :
+             {Qt::Key_Return | Qt::NoModifier, Qt::Key_Space | Qt::NoModifier, Qt::ALT | Qt::Key_X}) {
+            QKeyEvent event(QEvent::KeyPress, key.key(), key.keyboardModifiers(),
+                            QChar::fromLatin1(QTest::keyToAscii(key.key())), true);
+            QApplication::sendEvent(page->contentWidget(), &event);
+        }
+        QCOMPARE(static_cast<QPlainTextEdit*>(page->contentWidget())->toPlainText(), u"\n x"_s);
+
+        QApplication::setDoubleClickInterval(5000);
+        auto* const next = window.findChild<QPushButton*>(u"next"_s);
+        QTest::mouseClick(next, Qt::LeftButton);
+        QTest::mouseClick(next, Qt::LeftButton);  // 500 ms later, by its timestamp.
+        QCOMPARE(next->text(), u"&Close"_s);
     }
 };
 

@@ -2,18 +2,26 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QDialog>
 #include <QKeyEvent>
 #include <QMouseEvent>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
+
+constexpr int longestInterval = 500;  // ms; some users need longer double clicks, but not longer pauses
 
 /// Keys that press buttons; other keys may repeat.
 bool pressesButton(const QKeyEvent& event) {
     const int key = event.key();
     return key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Space ||
            event.modifiers().testFlag(Qt::AltModifier);
+}
+
+bool isButton(const QObject* object) {
+    return qobject_cast<const QAbstractButton*>(object) != nullptr;
 }
 
 }  // namespace
@@ -24,7 +32,8 @@ PressGuard::PressGuard(QObject* parent) : QObject(parent) {
 
 bool PressGuard::takePress() {
     const Press press = std::exchange(seen_, {});
-    const auto interval = static_cast<quint64>(QApplication::doubleClickInterval());
+    const auto interval =
+        static_cast<quint64>(std::min(QApplication::doubleClickInterval(), longestInterval));
     // The difference is unsigned: if the clock was set back or has wrapped, the press counts as new.
     if (counted_.time != 0 && press.key == counted_.key && press.time - counted_.time < interval) {
         return false;
@@ -45,15 +54,18 @@ bool PressGuard::eventFilter(QObject* watched, QEvent* event) {
             if (!pressesButton(*key)) {
                 return false;
             }
-            if (key->isAutoRepeat()) {
-                key->accept();  // An accepted ShortcutOverride triggers no mnemonic.
-                return true;
+            isRepeat_ = key->isAutoRepeat();
+            if (!isRepeat_) {
+                seen_ = {key->key(), key->timestamp()};
             }
-            seen_ = {key->key(), key->timestamp()};
-            return false;
+            // A key that its widget ignores reaches the dialog, which presses its default button.
+            return isRepeat_ && event->type() == QEvent::KeyPress &&
+                   (isButton(watched) || qobject_cast<QDialog*>(watched) != nullptr);
         }
+        case QEvent::Shortcut:  // A mnemonic; follows its ShortcutOverride.
+            return isRepeat_ && isButton(watched);
         case QEvent::MetaCall:
-            if (qobject_cast<QAbstractButton*>(watched) != nullptr) {
+            if (isButton(watched)) {
                 seen_ = {};  // An assistive press, posted by ButtonActions: no input event caused it.
             }
             return false;

@@ -9,16 +9,15 @@ class PressGuard : public QObject {
     Q_OBJECT
 
   public:
-    /// Filters the application's input events from now on. Auto-repeated Return, Enter, Space and Alt keys
-    /// are dropped for the whole application, so that a held key can't dismiss an alert unread; they
-    /// therefore don't repeat in text fields either.
+    /// Filters the application's input events from now on. Auto-repeated keys and mnemonics press no button
+    /// and no dialog's default button, so that a held key can't dismiss an alert unread.
     explicit PressGuard(QObject* parent);
 
     /// Whether the press that caused the current click counts. It doesn't if it follows the last press that
-    /// counted within the double-click interval and comes from the same key, or if both are mouse presses.
-    /// Compares the timestamps of the input events, so it also works for presses queued while a page was
-    /// busy. Presses by assistive programs have no timestamp and always count. Main thread; call once per
-    /// click.
+    /// counted within the double-click interval, 500 ms at most, and comes from the same key, or if both are
+    /// mouse presses. Compares the timestamps of the input events, so it also works for presses queued while
+    /// a page was busy. Presses by assistive programs have no timestamp and always count. Main thread; call
+    /// once per click.
     [[nodiscard]] bool takePress();
 
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -29,6 +28,7 @@ class PressGuard : public QObject {
         quint64 time = 0;  // platform time in milliseconds; 0 if none
     };
 
-    Press seen_;     // the last press, until it is taken
-    Press counted_;  // the last press that counted
+    bool isRepeat_ = false;  // whether the last key that may press a button was auto-repeated
+    Press seen_;             // the last press, until it is taken
+    Press counted_;          // the last press that counted
 };
