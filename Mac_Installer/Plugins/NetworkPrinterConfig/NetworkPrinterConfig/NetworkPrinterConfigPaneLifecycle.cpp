@@ -9,19 +9,16 @@
 #include "ui_NetworkPrinterConfigPane.h"
 
 #include <QAbstractButton>
+#include <QCoreApplication>
 #include <QFileInfo>
 #include <QMessageBox>
-#include <QSettings>
 
 namespace {
 
+/// A user default that only debuggers read, so it is kept in memory and no settings file is written.
 void switchLayoutDebuggingOn() {
-    const QString key = QStringLiteral("NSConstraintBasedLayoutVisualizeMutuallyExclusiveConstraints");
-    QSettings settings;
-    // Write only changes: writing to disk took longer than any other part of creating the page.
-    if (!settings.value(key).toBool()) {
-        settings.setValue(key, true);
-    }
+    QCoreApplication::instance()->setProperty("NSConstraintBasedLayoutVisualizeMutuallyExclusiveConstraints",
+                                              true);
 }
 
 /// The model names, each with a mnemonic: the first digit of the number part that no earlier model uses.
