@@ -22,12 +22,14 @@ namespace {
 
 QStringList announced;
 
-/// Records what a screen reader would announce: name and focus changes.
+/// Records what a screen reader would announce: name and focus changes, and notifications.
 void listen(QAccessibleEvent* event) {
     const bool isFocus = event->type() == QAccessible::Focus;
     QAccessibleInterface* const from = event->accessibleInterface();
     if (from != nullptr && (isFocus || event->type() == QAccessible::NameChanged)) {
         announced += (isFocus ? u"focus "_s : u"name "_s) + from->text(QAccessible::Name);
+    } else if (event->type() == QAccessible::ObjectShow && from->role() == QAccessible::Notification) {
+        announced += u"notification "_s + from->text(QAccessible::Name);
     }
 }
 
@@ -128,6 +130,26 @@ class TestNetworkPrinterConfigPane : public QObject {
             QCOMPARE(QApplication::focusWidget(), next);
             QTest::keyClick(next, Qt::Key_Tab);
         }
+    }
+
+    void hintsAtEachRejectedEdit() {
+        TextField& field = *pane_->IPAddressText();
+        pane_->contentWidget()->show();
+        QVERIFY(QTest::qWaitForWindowActive(pane_->contentWidget()));
+        pane_->PrinterIPInfoBox()->show();
+        field.setEditable(true);
+        field.setFocus();
+        QTRY_VERIFY(QAccessible::isActive());
+        QAccessible::installUpdateHandler(listen);
+        announced.clear();
+        QTest::keyClicks(&field, u"x1xy"_s);
+        QAccessible::installUpdateHandler(nullptr);
+        const QString hint = u"notification Only digits and full stops, at most 15 characters."_s;
+        QCOMPARE(announced.filter(u"notification"_s), QStringList({hint, hint, hint}));
+        auto* const shown = pane_->contentWidget()->findChild<Hint*>();
+        QVERIFY(shown->isVisible() && shown->width() <= field.width());
+        QTest::keyClicks(&field, u"2"_s);
+        QVERIFY(!shown->isVisible());
     }
 
     void searchEndsAtOnceWithoutAThread() {

@@ -8,6 +8,7 @@
 #include <QPalette>
 #include <QScopedValueRollback>
 
+#include <chrono>
 #include <utility>
 
 /// Wraps the formatter. QLineEdit validates every change once, but rejects only keys, paste and drop; for all
@@ -23,6 +24,9 @@ class TextField::Guard : public QValidator {
             result = Invalid;
         } else {
             result = formatter != nullptr ? formatter->validate(text, cursor) : Acceptable;
+            if (result == Invalid) {
+                field_->showHint();
+            }
         }
         return result;
     }
@@ -31,7 +35,7 @@ class TextField::Guard : public QValidator {
     mutable State result = Acceptable;  // of the last edit
 
   private:
-    const TextField* field_;
+    TextField* field_;
 };
 
 TextField::TextField(QWidget* parent) : QLineEdit(parent), guard_(new Guard(this)) {
@@ -39,10 +43,16 @@ TextField::TextField(QWidget* parent) : QLineEdit(parent), guard_(new Guard(this
     setValidator(guard_);
     connect(this, &QLineEdit::textChanged, this, &TextField::followChange);
     connect(this, &QLineEdit::editingFinished, this, &TextField::endEditing);
+    hintTime_.setSingleShot(true);
+    hintTime_.setInterval(std::chrono::seconds(10));
+    connect(&hintTime_, &QTimer::timeout, this, &TextField::hideHint);
 }
 
 void TextField::setStringValue(const QString& text) {
     const QScopedValueRollback guard(isProgram_, true);
+    if (text != accepted_) {
+        hideHint();
+    }
     setText(text);
     accepted_ = text;
 }
@@ -50,6 +60,29 @@ void TextField::setStringValue(const QString& text) {
 void TextField::setFormatter(QValidator* formatter) {
     formatter->setParent(guard_);
     guard_->formatter = formatter;
+}
+
+void TextField::setRejectionHint(const QString& text) {
+    hintText_ = text;
+}
+
+void TextField::showHint() {
+    if (!hint_) {
+        hint_ = new Hint(parentWidget());
+    }
+    hint_->appear(hintText_, *this);
+    hintTime_.start();
+}
+
+void TextField::hideHint() {
+    if (hint_) {
+        hint_->hide();
+    }
+}
+
+void TextField::focusOutEvent(QFocusEvent* event) {
+    QLineEdit::focusOutEvent(event);
+    hideHint();
 }
 
 void TextField::followChange() {
@@ -64,6 +97,7 @@ void TextField::followChange() {
 }
 
 void TextField::accept() {
+    hideHint();
     accepted_ = text();
     if (!std::exchange(isBeingEdited_, true)) {
         emit didBeginEditing();

@@ -1,0 +1,39 @@
+#include "NetworkPrinterConfig/controls/Hint.h"
+
+#include <QAccessibleWidget>
+#include <QToolTip>
+
+namespace {
+
+/// Screen readers announce notifications when they appear, but not labels.
+QAccessibleInterface* makeInterface(const QString& className, QObject* object) {
+    return className == QStringLiteral("Hint")
+               ? new QAccessibleWidget(static_cast<Hint*>(object), QAccessible::Notification)
+               : nullptr;
+}
+
+}  // namespace
+
+Hint::Hint(QWidget* parent) : QLabel(parent) {
+    static const bool isInstalled = (QAccessible::installFactory(makeInterface), true);
+    (void)isInstalled;
+    setTextFormat(Qt::PlainText);
+    setWordWrap(true);
+    setFrameShape(QFrame::Box);
+    setMargin(4);
+    setPalette(QToolTip::palette());
+    setForegroundRole(QPalette::ToolTipText);
+    setBackgroundRole(QPalette::ToolTipBase);
+    setAutoFillBackground(true);
+    hide();
+}
+
+void Hint::appear(const QString& text, const QWidget& control) {
+    hide();
+    setText(text);
+    setAccessibleName(text);
+    const QRect place = control.geometry();
+    setGeometry(place.left(), place.bottom() + 2, place.width(), heightForWidth(place.width()));
+    raise();
+    show();
+}
