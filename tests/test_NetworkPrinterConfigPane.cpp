@@ -152,6 +152,19 @@ class TestNetworkPrinterConfigPane : public QObject {
         QVERIFY(!shown->isVisible());
     }
 
+    void focusFollowsTheSearchBehindAnotherWindow() {
+        pane_->contentWidget()->show();
+        QVERIFY(QTest::qWaitForWindowActive(pane_->contentWidget()));
+        QTest::mouseClick(pane_->radiobtnPrinterType()->cellAt(1, 0), Qt::LeftButton, {}, QPoint(5, 5));
+        QTRY_VERIFY(pane_->Progress()->hasFocus());
+        QWidget other;
+        other.show();
+        other.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&other));
+        QTRY_VERIFY(pane_->isNextEnabled());
+        QCOMPARE(pane_->contentWidget()->focusWidget(), pane_->PrinterIP());
+    }
+
     void searchEndsAtOnceWithoutAThread() {
         pthread_attr_t usual;
         ::pthread_getattr_default_np(&usual);

@@ -152,7 +152,8 @@ void NetworkPrinterConfigPane::fillList(const QStringList& lines) {
     tell(Progress(), &ProgressIndicator::stopAnimation);
     const qsizetype printers = items.isEmpty() ? 0 : items.count() - 1;
     tell(Progress(), &QWidget::setAccessibleName, tr("Search finished. Printers found: %1").arg(printers));
-    focusFollowsSearch_ = ask(Progress(), &QWidget::hasFocus);
+    // Not hasFocus(), which is false while another window is active.
+    focusFollowsSearch_ = Progress() != nullptr && Progress()->window()->focusWidget() == Progress();
     tell(Progress(), &QWidget::setHidden, true);
 }
 
