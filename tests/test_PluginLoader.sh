@@ -6,7 +6,7 @@ installer=$1
 export QT_QPA_PLATFORM=offscreen
 pages=$HOME/pages
 mkdir "$pages" "$HOME/tmp"
-export TMPDIR=$HOME/tmp
+export TMPDIR=$HOME/tmp XDG_RUNTIME_DIR=$HOME
 
 expect 0 'quazel-installer 1.' "$installer" -v
 expect 2 'colour' "$installer" --colour
