@@ -24,11 +24,21 @@ make_bare_debian() {
             --aptopt='Acquire::Retries "3"' "$1" "$2" -
 }
 
-# run_in FOLDER OUT SCRIPT: runs SCRIPT in the system in FOLDER, with the folder OUT as /out. Not by chroot, as the
-# tests need user namespaces, which the kernel refuses in a chroot.
+# run_in FOLDER OUT SCRIPT: runs SCRIPT as root in the system in FOLDER, with the folder OUT as /out. Not by chroot, as the
+# tests need user namespaces, which the kernel refuses in a chroot; nor by bwrap, which disables sudo.
 run_in() {
-    "${as_root[@]}" bwrap --die-with-parent --cap-add ALL --unshare-pid --bind "$1" / --bind "$2" /out \
-        --dev /dev --proc /proc --ro-bind /sys /sys --chdir /out --clearenv \
-        --setenv PATH /usr/sbin:/usr/bin:/sbin:/bin --setenv HOME /root --setenv LC_ALL C.UTF-8 \
-        --setenv DEBIAN_FRONTEND noninteractive bash -euc "$3"
+    "${as_root[@]}" unshare --mount --pid --fork --kill-child --propagation private \
+        bash -euc "$enter_system" enter "$1" "$2" "$3"
 }
+# shellcheck disable=SC2016  # expanded by the inner shell
+enter_system='
+    mkdir -p "$1/out"
+    mount --bind "$1" "$1"
+    mount --bind "$2" "$1/out"
+    mount -t proc proc "$1/proc"
+    mount --rbind /sys "$1/sys"
+    mount --rbind /dev "$1/dev"
+    cd "$1"
+    pivot_root . mnt
+    exec env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive \
+        bash -euc "umount -l /mnt; cd /out; $3" </dev/null'
