@@ -94,7 +94,14 @@ for signal in KILL INT TERM HUP; do
         diff <(cd "$HOME" && find Documents tmp) - <<<$'Documents\nDocuments/QzInstall.log\ntmp'
     fi
 done
+# During the search, this run has not written the file.
+rm "$documents/QzInstall.log"
+"$1" KV260 &
+until grep -qs 'Before Get' "$documents/QzInstall.log"; do sleep 0.02; done
 printf old >"$documents/KV.txt"
+kill $!
+wait $! || true
+expect 0 old cat "$documents/KV.txt"
 mount --bind "$documents/KV.txt" "$documents/KV.txt"
 expect 1 "KV.txt can't be removed" "$1" KV260
 umount "$documents/KV.txt"
