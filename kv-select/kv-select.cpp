@@ -43,7 +43,7 @@ void logMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QSt
     ::syslog(priorities[type], "%s", qUtf8Printable(message));
 }
 
-// Paths for onSignal; never destroyed. The hand-off file's is empty until this run writes the file.
+// Paths for onSignal; never destroyed. The hand-off file's is empty until this run may write it.
 char handOffFile[PATH_MAX];
 char lockFile[PATH_MAX];
 char temporaryFolder[PATH_MAX];
@@ -69,7 +69,6 @@ void onSignal(int number) {
 
 /// Handles the signals once; those that are ignored, as under nohup, stay ignored.
 void cleanUpOnSignals(const InstallerRun& run) {
-    setPath(lockFile, run.lockFile());
     setPath(temporaryFolder, run.temporaryFolder());
     struct sigaction handle {};
     handle.sa_handler = onSignal;
@@ -286,6 +285,7 @@ int main(int argc, char** argv) {
     // Before the application object, as Qt may create a folder in TMPDIR as well. Static, as --help calls
     // exit().
     static InstallerRun run;
+    cleanUpOnSignals(run);
     ::openlog("kv-select", LOG_PID, LOG_USER);
     qInstallMessageHandler(logMessage);
     (void)std::signal(SIGPIPE,
@@ -353,7 +353,7 @@ int main(int argc, char** argv) {
         complain(problem);
         return exitRefused;
     }
-    cleanUpOnSignals(run);
+    setPath(lockFile, run.lockFile());
     keepEarlierLog();
     return parser.isSet(list) ? listPrinters()
                               : handOver(model, static_cast<int>(row - modelCatalog.begin()), address);

@@ -18,7 +18,8 @@ until grep -qs Initializing "$HOME/Documents/QzInstall.log"; do kill -0 $!; slee
 first=$!
 # A second run opens a message instead.
 "$installer" 2>"$HOME/second" &
-until grep -qs "quazel-installer is already running (process $first on $HOSTNAME) and uses $HOME/Documents" "$HOME/second"; do
+running="quazel-installer (process $first on $HOSTNAME) is already running; close it first"
+until grep -qsF "$running" "$HOME/second"; do
     kill -0 $!
     sleep 0.05
 done
@@ -26,13 +27,14 @@ kill $!
 status=0
 wait $! || status=$?
 expect 0 1 echo $status
+expect 1 "$running" "${installer%/*}/kv-select" --list
 kill $first
 wait $first  # Its status is 0.
-diff <(cd "$HOME" && find Documents tmp | sort) - <<<$'Documents\nDocuments/QzInstall.log\ntmp'
+diff <(cd "$HOME" && find Documents tmp .config | sort) - <<<$'Documents\nDocuments/QzInstall.log\ntmp'
 
-diff <(env -u QT_QPA_PLATFORM -u WAYLAND_DISPLAY DISPLAY=:99 "$installer" 2>&1) - <<END
-quazel-installer: no usable display: DISPLAY=:99 WAYLAND_DISPLAY= QT_QPA_PLATFORM=; start the program in a desktop session
-END
+no_display='quazel-installer: no usable display: DISPLAY=:99 WAYLAND_DISPLAY= QT_QPA_PLATFORM=; start '
+expect 1 "${no_display}the program in a desktop session" env -u QT_QPA_PLATFORM -u WAYLAND_DISPLAY DISPLAY=:99 "$installer"
+expect 0 1 wc -l <<<"$output"
 
 expect_refused() {
     mv "$1" "$pages/page.so"

@@ -83,7 +83,7 @@ for signal in KILL INT TERM HUP; do
     until grep -qs 'Before Get' "$documents/QzInstall.log"; do sleep 0.02; done
     mkfifo "$documents/KV.txt"
     until grep -q 'writeToTextFile KV' "$documents/QzInstall.log"; do sleep 0.02; done
-    expect 1 "kv-select is already running (process $! on $HOSTNAME) and uses $documents" "$1" --list
+    expect 1 "kv-select (process $! on $HOSTNAME) is already running; close it first" "$1" --list
     kill -$signal $!
     status=0
     wait $! || status=$?

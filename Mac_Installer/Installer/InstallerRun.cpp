@@ -3,11 +3,14 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QStandardPaths>
+#include <QSysInfo>
 
 #include <pwd.h>
 #include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
 
 QString findHomeFolder() {
     if (!qEnvironmentVariableIsEmpty("HOME")) {
@@ -34,14 +37,23 @@ InstallerRun::InstallerRun()
 }
 
 QString InstallerRun::takeLock() {
+    if (lock_.tryLock() || lock_.error() != QLockFile::LockFailedError) {
+        return {};
+    }
     qint64 process = 0;
     QString host;
     QString program;
-    if (lock_.tryLock() || lock_.error() != QLockFile::LockFailedError ||
-        !lock_.getLockInfo(&process, &host, &program)) {
-        return {};
+    QString holder = QCoreApplication::translate("InstallerRun", "another run");
+    if (lock_.getLockInfo(&process, &host, &program)) {
+        // QLockFile can't replace a lock that it may not write, such as one that root has left.
+        const bool isHere = host == QSysInfo::machineHostName();
+        if (isHere && ::kill(static_cast<pid_t>(process), 0) != 0 && errno == ESRCH) {
+            return {};
+        }
+        holder = QCoreApplication::translate("InstallerRun", "%1 (process %2 on %3)")
+                     .arg(program, QString::number(process), host);
     }
-    return QCoreApplication::translate("InstallerRun",
-                                       "%1 is already running (process %2 on %3) and uses %4; close it first")
-        .arg(program, QString::number(process), host, QFileInfo(lock_.fileName()).path());
+    return QCoreApplication::translate(
+               "InstallerRun", "%1 is already running; close it first, or remove %2 if it has crashed")
+        .arg(holder, lock_.fileName());
 }

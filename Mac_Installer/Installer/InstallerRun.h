@@ -23,7 +23,8 @@ class InstallerRun {
     /// documents folder is missing or not writable, there is nothing to overwrite and no lock.
     [[nodiscard]] QString takeLock();
 
-    [[nodiscard]] QString lockFile() const { return lock_.fileName(); }
+    /// Empty without the lock.
+    [[nodiscard]] QString lockFile() const { return lock_.isLocked() ? lock_.fileName() : QString(); }
     [[nodiscard]] QString temporaryFolder() const { return temporary_.path(); }
 
   private:

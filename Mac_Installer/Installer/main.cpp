@@ -41,7 +41,8 @@ void forwardMessage(QtMsgType type, const QMessageLogContext& /*context*/, const
 
 /// Qt's message handler until the display is open: QApplication describes over several lines why it can't
 /// open it, and aborts.
-void endWithoutDisplay(QtMsgType type, const QMessageLogContext& /*context*/, const QString& /*message*/) {
+void endWithoutDisplay(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
+    ::syslog(LOG_WARNING, "%s", qUtf8Printable(message));
     if (type != QtFatalMsg) {
         return;
     }
@@ -75,7 +76,7 @@ int refuse(const QString& problem) {
 
 int runInstaller(const QString& pluginFolder) {
     const QString problem = prepareHandOffFolder();
-    InstallerRun run;
+    static InstallerRun run;  // Qt calls exit() when the display is closed.
     const QString otherRun = run.takeLock();
     if (!otherRun.isNull()) {
         return refuse(otherRun);

@@ -1,9 +1,9 @@
 # Sourced by the tests of programs: checks a program's output and exit status.
 
 # expect STATUS TEXT COMMAND [ARG...]: fails the test unless COMMAND exits with STATUS and its standard output or
-# error contains TEXT.
+# error contains TEXT. Sets $output to both.
 expect() {
-    local status=$1 text=$2 output actual=0
+    local status=$1 text=$2 actual=0
     shift 2
     output=$("$@" 2>&1) || actual=$?
     if [[ $actual != "$status" || $output != *"$text"* ]]; then

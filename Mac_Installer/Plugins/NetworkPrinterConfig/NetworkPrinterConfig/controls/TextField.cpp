@@ -143,6 +143,8 @@ void TextField::keyPressEvent(QKeyEvent* event) {
 void TextField::changeEvent(QEvent* event) {
     if (event->type() == QEvent::ApplicationPaletteChange) {
         keepPlaceholderReadable();
+    } else if (event->type() == QEvent::EnabledChange) {
+        hideHint();
     }
     QLineEdit::changeEvent(event);
 }
