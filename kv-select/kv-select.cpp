@@ -81,7 +81,7 @@ void cleanUpOnSignals(const InstallerRun& run) {
     }
 }
 
-/// Under sudo, the files and the folder are root's, unless it keeps the user's HOME.
+/// Under sudo the files are root's; so is the folder, unless sudo keeps the user's HOME.
 void warnUnderSudo(const QString& file) {
     const QString user = qEnvironmentVariable("SUDO_USER");
     if (::geteuid() == 0 && !user.isEmpty() && user != u"root"_s) {
@@ -298,7 +298,6 @@ int main(int argc, char** argv) {
     }
     int one = 1;  // QApplication would take its own options out.
     const QApplication application(one, argv);
-    QCoreApplication::setOrganizationName(u"Tovik"_s);
     QCoreApplication::setApplicationName(u"kv-select"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(QUAZEL_VERSION));
 
@@ -355,6 +354,12 @@ int main(int argc, char** argv) {
     }
     setPath(lockFile, run.lockFile());
     keepEarlierLog();
-    return parser.isSet(list) ? listPrinters()
-                              : handOver(model, static_cast<int>(row - modelCatalog.begin()), address);
+    const int status = parser.isSet(list)
+                           ? listPrinters()
+                           : handOver(model, static_cast<int>(row - modelCatalog.begin()), address);
+    // Another run may start once the lock is released; a late signal must not remove its files.
+    sigset_t everySignal;
+    sigfillset(&everySignal);
+    ::sigprocmask(SIG_BLOCK, &everySignal, nullptr);
+    return status;
 }

@@ -465,7 +465,7 @@ class TestInputPaths : public QObject {
             [[nodiscard]] QString title() const override { return u"Text"_s; }
         };
         auto* const page = new TextPage;
-        InstallerWindow window({page, new TextPage, new TextPage});
+        InstallerWindow window({page, new TextPage, new TextPage, new TextPage});
         window.show();
         QVERIFY(QTest::qWaitForWindowActive(&window));
         for (const QKeyCombination key :
@@ -475,6 +475,8 @@ class TestInputPaths : public QObject {
             QApplication::sendEvent(page->contentWidget(), &event);
         }
         QCOMPARE(static_cast<QPlainTextEdit*>(page->contentWidget())->toPlainText(), u"\n x"_s);
+        window.findChild<QPushButton*>(u"next"_s)->setShortcut(Qt::CTRL | Qt::Key_N);
+        QTest::keyClick(page->contentWidget(), Qt::Key_N, Qt::ControlModifier);
 
         QApplication::setDoubleClickInterval(5000);
         auto* const next = window.findChild<QPushButton*>(u"next"_s);

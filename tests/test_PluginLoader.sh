@@ -6,7 +6,7 @@ installer=$1
 export QT_QPA_PLATFORM=offscreen
 pages=$HOME/pages
 mkdir "$pages" "$HOME/tmp"
-export TMPDIR=$HOME/tmp XDG_RUNTIME_DIR=$HOME
+export TMPDIR=$HOME/tmp
 
 expect 0 'quazel-installer 1.' "$installer" -v
 expect 2 'colour' "$installer" --colour
@@ -26,15 +26,14 @@ done
 kill $!
 status=0
 wait $! || status=$?
-expect 0 1 echo $status
-expect 1 "$running" "${installer%/*}/kv-select" --list
+((status == 1))
 kill $first
 wait $first  # Its status is 0.
 diff <(cd "$HOME" && find Documents tmp .config | sort) - <<<$'Documents\nDocuments/QzInstall.log\ntmp'
 
-no_display='quazel-installer: no usable display: DISPLAY=:99 WAYLAND_DISPLAY= QT_QPA_PLATFORM=; start '
-expect 1 "${no_display}the program in a desktop session" env -u QT_QPA_PLATFORM -u WAYLAND_DISPLAY DISPLAY=:99 "$installer"
-expect 0 1 wc -l <<<"$output"
+no_display='quazel-installer: no usable display: DISPLAY=:4096 WAYLAND_DISPLAY= QT_QPA_PLATFORM=; start '
+expect 1 "${no_display}the program in a desktop session" env -u QT_QPA_PLATFORM -u WAYLAND_DISPLAY DISPLAY=:4096 "$installer"
+[[ $output != *$'\n'* ]]
 
 expect_refused() {
     mv "$1" "$pages/page.so"

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# test_kv-select.sh PROGRAM: kv-select with a private CUPS scheduler and independent SNMP agents: instances of
+# test_kv-select.sh PROGRAM INSTALLER: kv-select with a private CUPS scheduler and independent SNMP agents: instances of
 # net-snmp's snmpd, each in its own network namespace on the bridge lan0.
 source "$(dirname "$0")/support/expect.sh"
 tools=$(dirname "$0")/../tools
@@ -102,6 +102,13 @@ printf old >"$documents/KV.txt"
 kill $!
 wait $! || true
 expect 0 old cat "$documents/KV.txt"
+rm "$documents/QzInstall.log"
+QT_QPA_PLATFORM=offscreen "$2" 2>/dev/null &
+until grep -qs Initializing "$documents/QzInstall.log"; do sleep 0.02; done
+expect 1 "quazel-installer (process $! on $HOSTNAME) is already running" "$1" --list
+kill $!
+wait $!
+printf old >"$documents/KV.txt"
 mount --bind "$documents/KV.txt" "$documents/KV.txt"
 expect 1 "KV.txt can't be removed" "$1" KV260
 umount "$documents/KV.txt"

@@ -27,7 +27,7 @@ make_bare_debian() {
 # run_in FOLDER OUT SCRIPT: runs SCRIPT as root in the system in FOLDER, with the folder OUT as /out. Not by chroot, as the
 # tests need user namespaces, which the kernel refuses in a chroot; nor by bwrap, which disables sudo.
 run_in() {
-    "${as_root[@]}" unshare --mount --pid --fork --kill-child --propagation private \
+    "${as_root[@]}" setpriv --pdeathsig KILL -- unshare --mount --pid --fork --kill-child --propagation private \
         bash -euc "$enter_system" enter "$1" "$2" "$3"
 }
 # shellcheck disable=SC2016  # expanded by the inner shell
@@ -37,7 +37,10 @@ enter_system='
     mount --bind "$2" "$1/out"
     mount -t proc proc "$1/proc"
     mount --rbind /sys "$1/sys"
-    mount --rbind /dev "$1/dev"
+    mount -o remount,bind,ro "$1/sys"
+    mount -t devpts -o newinstance,ptmxmode=0666 devpts "$1/dev/pts"
+    mount --bind "$1/dev/pts/ptmx" "$1/dev/ptmx"
+    mount -t tmpfs -o mode=1777 tmpfs "$1/dev/shm"
     cd "$1"
     pivot_root . mnt
     exec env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive \

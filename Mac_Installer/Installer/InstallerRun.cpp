@@ -32,18 +32,20 @@ InstallerRun::InstallerRun()
       temporary_(QDir::tempPath() + QStringLiteral("/quazel-installer-XXXXXX")) {
     if (temporary_.isValid()) {
         qputenv("TMPDIR", QFile::encodeName(temporary_.path()));
+    } else {
+        qWarning("no temporary folder: %s", qPrintable(temporary_.errorString()));
     }
     lock_.setStaleLockTime(0);  // However long the user takes.
 }
 
 QString InstallerRun::takeLock() {
-    if (lock_.tryLock() || lock_.error() != QLockFile::LockFailedError) {
+    if (lock_.tryLock(100) || lock_.error() != QLockFile::LockFailedError) {
         return {};
     }
     qint64 process = 0;
     QString host;
     QString program;
-    QString holder = QCoreApplication::translate("InstallerRun", "another run");
+    QString holder = QCoreApplication::translate("InstallerRun", "Another installer");
     if (lock_.getLockInfo(&process, &host, &program)) {
         // QLockFile can't replace a lock that it may not write, such as one that root has left.
         const bool isHere = host == QSysInfo::machineHostName();

@@ -16,11 +16,12 @@
 /// left by a crash is ignored. Main thread.
 class InstallerRun {
   public:
-    /// Creates the temporary folder. Call it after findHomeFolder.
+    /// Creates the temporary folder. Call it after findHomeFolder and before creating the application object:
+    /// Qt may start threads, and creates a folder in TMPDIR if there is no runtime folder.
     InstallerRun();
 
-    /// Takes the lock. Returns null, or a message for the user that says which process holds it. If the
-    /// documents folder is missing or not writable, there is nothing to overwrite and no lock.
+    /// Takes the lock. Returns null, or a message for the user that says which process holds it. Where the
+    /// lock can't be created, as in a read-only folder, there is none.
     [[nodiscard]] QString takeLock();
 
     /// Empty without the lock.

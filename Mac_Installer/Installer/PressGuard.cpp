@@ -51,10 +51,10 @@ bool PressGuard::eventFilter(QObject* watched, QEvent* event) {
         case QEvent::ShortcutOverride:
         case QEvent::KeyPress: {
             auto* const key = static_cast<QKeyEvent*>(event);
+            isRepeat_ = key->isAutoRepeat();
             if (!pressesButton(*key)) {
                 return false;
             }
-            isRepeat_ = key->isAutoRepeat();
             if (!isRepeat_) {
                 seen_ = {key->key(), key->timestamp()};
             }
@@ -62,7 +62,7 @@ bool PressGuard::eventFilter(QObject* watched, QEvent* event) {
             return isRepeat_ && event->type() == QEvent::KeyPress &&
                    (isButton(watched) || qobject_cast<QDialog*>(watched) != nullptr);
         }
-        case QEvent::Shortcut:  // A mnemonic; follows its ShortcutOverride.
+        case QEvent::Shortcut:  // Such as a mnemonic; follows its ShortcutOverride.
             return isRepeat_ && isButton(watched);
         case QEvent::MetaCall:
             if (isButton(watched)) {

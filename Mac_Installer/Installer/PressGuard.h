@@ -28,7 +28,7 @@ class PressGuard : public QObject {
         quint64 time = 0;  // platform time in milliseconds; 0 if none
     };
 
-    bool isRepeat_ = false;  // whether the last key that may press a button was auto-repeated
+    bool isRepeat_ = false;  // whether the last key was auto-repeated
     Press seen_;             // the last press, until it is taken
     Press counted_;          // the last press that counted
 };

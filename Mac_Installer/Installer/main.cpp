@@ -51,7 +51,7 @@ void endWithoutDisplay(QtMsgType type, const QMessageLogContext& /*context*/, co
                        "program in a desktop session")
             .arg(qEnvironmentVariable("DISPLAY"), qEnvironmentVariable("WAYLAND_DISPLAY"),
                  qEnvironmentVariable("QT_QPA_PLATFORM")));
-    std::_Exit(exitFailure);
+    std::exit(exitFailure);
 }
 
 /// --help and --version work without a display.
@@ -69,14 +69,14 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
 /// Reports why the installer can't start, also in a window, as its caller may show no standard error.
 int refuse(const QString& problem) {
     printMessage(problem);
-    QMessageBox(QMessageBox::Warning, QCoreApplication::applicationName(), problem, QMessageBox::Close)
-        .exec();
+    QMessageBox alert(QMessageBox::Warning, QCoreApplication::applicationName(), problem, QMessageBox::Close);
+    alert.setTextFormat(Qt::PlainText);
+    alert.exec();
     return exitFailure;
 }
 
-int runInstaller(const QString& pluginFolder) {
+int runInstaller(InstallerRun& run, const QString& pluginFolder) {
     const QString problem = prepareHandOffFolder();
-    static InstallerRun run;  // Qt calls exit() when the display is closed.
     const QString otherRun = run.takeLock();
     if (!otherRun.isNull()) {
         return refuse(otherRun);
@@ -106,9 +106,9 @@ int runInstaller(const QString& pluginFolder) {
 
 int main(int argc, char** argv) {
     const QString noHome = findHomeFolder();
+    static InstallerRun run;  // Qt calls exit() when the display is closed, and for --help.
     ::openlog("quazel-installer", LOG_PID, LOG_USER);
     const std::unique_ptr<QCoreApplication> application = makeApplication(argc, argv);
-    QCoreApplication::setOrganizationName(QStringLiteral("Tovik"));
     QCoreApplication::setApplicationName(QStringLiteral("quazel-installer"));
     QCoreApplication::setApplicationVersion(QStringLiteral(QUAZEL_VERSION));
     QGuiApplication::setDesktopFileName(QStringLiteral("com.tovik.quazel-installer"));
@@ -132,5 +132,5 @@ int main(int argc, char** argv) {
     parser.process(*application);  // Handles --help and --version.
 
     quitOnTerminationSignals();
-    return noHome.isNull() ? runInstaller(parser.value(plugins)) : refuse(noHome);
+    return noHome.isNull() ? runInstaller(run, parser.value(plugins)) : refuse(noHome);
 }

@@ -7,9 +7,8 @@ namespace {
 
 /// Screen readers announce notifications when they appear, but not labels.
 QAccessibleInterface* makeInterface(const QString& className, QObject* object) {
-    return className == QStringLiteral("Hint")
-               ? new QAccessibleWidget(static_cast<Hint*>(object), QAccessible::Notification)
-               : nullptr;
+    auto* const hint = className == QStringLiteral("Hint") ? qobject_cast<Hint*>(object) : nullptr;
+    return hint == nullptr ? nullptr : new QAccessibleWidget(hint, QAccessible::Notification);
 }
 
 }  // namespace

@@ -67,6 +67,9 @@ void TextField::setRejectionHint(const QString& text) {
 }
 
 void TextField::showHint() {
+    if (hintText_.isEmpty()) {
+        return;
+    }
     if (!hint_) {
         hint_ = new Hint(parentWidget());
     }
@@ -82,6 +85,11 @@ void TextField::hideHint() {
 
 void TextField::focusOutEvent(QFocusEvent* event) {
     QLineEdit::focusOutEvent(event);
+    hideHint();
+}
+
+void TextField::resizeEvent(QResizeEvent* event) {
+    QLineEdit::resizeEvent(event);
     hideHint();
 }
 
