@@ -231,7 +231,7 @@ struct Rig {
     TextField* const field = page->IPAddressText();
     QAccessibleEditableTextInterface* const assistiveText =
         QAccessible::queryAccessibleInterface(field)->editableTextInterface();
-    InstallerWindow window{{new IntroductionPane(u"Problem"_s), page, new SummaryPane}};
+    InstallerWindow window{{new IntroductionPane(u"Problem"_s), page, new SummaryPane(nullptr)}};
     const QList<QAbstractButton*> buttons = window.findChildren<QAbstractButton*>();  // as in Button
     QStringList effects;  // records, alerts and beeps, in order
     int closedAlerts = 0;

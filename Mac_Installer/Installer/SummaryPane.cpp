@@ -1,11 +1,14 @@
 #include "Installer/SummaryPane.h"
 
+#include "Installer/HandOffFolder.h"
+#include "Installer/InstallationPane.h"
+
 #include <QFile>
 #include <QLabel>
-#include <QStandardPaths>
 #include <QVBoxLayout>
 
-SummaryPane::SummaryPane(QObject* parent) : InstallerPane(parent) {
+SummaryPane::SummaryPane(const InstallationPane* installation, QObject* parent)
+    : InstallerPane(parent), installation_(installation) {
     auto* const content = new QWidget;
     auto* const column = new QVBoxLayout(content);
     column->setContentsMargins(0, 0, 0, 0);
@@ -20,19 +23,23 @@ SummaryPane::SummaryPane(QObject* parent) : InstallerPane(parent) {
 }
 
 void SummaryPane::didEnterPane(InstallerDirection /*direction*/) {
-    QFile file(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation) +
-               QStringLiteral("/KV.txt"));
+    QFile file(handOffFile());
+    if (!file.exists()) {
+        text_->setText(
+            tr("No network printer was chosen, and nothing was set up. To add a printer that is connected "
+               "directly to this computer, use the printer settings of your desktop."));
+        return;
+    }
     constexpr qint64 longestLine = 64;
     const QString line =
         file.open(QIODevice::ReadOnly) ? QString::fromLatin1(file.read(longestLine)) : QString();
-    if (line.isEmpty()) {
-        text_->setText(
-            tr("No network printer was chosen. The driver will be installed for a printer that is connected "
-               "directly to this computer."));
-        return;
-    }
-    const QString model = line.section(QLatin1Char(' '), 0, 0);
-    const QString address = line.section(QLatin1Char(' '), 1);
-    text_->setText(tr("The installation continues with this network printer:\n\nModel:\t%1\nAddress:\t%2")
-                       .arg(model, address));
+    const bool isReady = installation_ != nullptr && installation_->hasSucceeded();
+    text_->setText(tr("%1\n\nModel:\t%2\nAddress:\t%3\n\n%4")
+                       .arg(isReady ? tr("This network printer is ready to print:")
+                                    : tr("This network printer was chosen, but is not set up:"),
+                            line.section(QLatin1Char(' '), 0, 0), line.section(QLatin1Char(' '), 1),
+                            installation_ != nullptr
+                                ? installation_->message()
+                                : tr("No steps of the installation are installed. The choice is saved in %1.")
+                                      .arg(file.fileName())));
 }

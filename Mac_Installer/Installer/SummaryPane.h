@@ -1,20 +1,23 @@
-// The last step: shows the content of the hand-off file, as the later installation steps will read it.
+// The last step: shows the network printer in the hand-off file, and whether it is set up.
 
 #pragma once
 
 #include "InstallerPlugins/InstallerPane.h"
 
+class InstallationPane;
 class QLabel;
 
 class SummaryPane : public InstallerPane {
     Q_OBJECT
 
   public:
-    explicit SummaryPane(QObject* parent = nullptr);
+    /// `installation` is the page before, or null if no steps are installed. It must outlive this page's use.
+    explicit SummaryPane(const InstallationPane* installation, QObject* parent = nullptr);
 
     [[nodiscard]] QString title() const override { return tr("Summary"); }
     void didEnterPane(InstallerDirection direction) override;
 
   private:
+    const InstallationPane* installation_;
     QLabel* text_;  // child of the content widget
 };

@@ -1,6 +1,7 @@
 // quazel-installer: loads the pages and shows the window.
 
 #include "Installer/HandOffFolder.h"
+#include "Installer/InstallationPane.h"
 #include "Installer/InstallerRun.h"
 #include "Installer/InstallerWindow.h"
 #include "Installer/IntroductionPane.h"
@@ -75,7 +76,7 @@ int refuse(const QString& problem) {
     return exitFailure;
 }
 
-int runInstaller(InstallerRun& run, const QString& pluginFolder) {
+int runInstaller(InstallerRun& run, const QString& pluginFolder, const QString& stepFolder) {
     const QString problem = prepareHandOffFolder();
     const QString otherRun = run.takeLock();
     if (!otherRun.isNull()) {
@@ -95,7 +96,15 @@ int runInstaller(InstallerRun& run, const QString& pluginFolder) {
     }
     std::vector<InstallerPane*> pages{new IntroductionPane(problem, qApp)};
     pages.insert(pages.end(), loaded.pages.begin(), loaded.pages.end());
-    pages.push_back(new SummaryPane(qApp));
+    if (!QDir(stepFolder).isReadable()) {
+        printMessage(QCoreApplication::translate("main", "%1: is not a readable folder").arg(stepFolder));
+    }
+    const QStringList steps = StepRunner::stepsIn(stepFolder);
+    auto* const installation = steps.isEmpty() ? nullptr : new InstallationPane(steps, qApp);
+    if (installation != nullptr) {
+        pages.push_back(installation);
+    }
+    pages.push_back(new SummaryPane(installation, qApp));
 
     InstallerWindow window(pages);
     window.show();
@@ -123,6 +132,12 @@ int main(int argc, char** argv) {
         QCoreApplication::translate("main", "folder"),
         QCoreApplication::applicationDirPath() + QStringLiteral("/" QUAZEL_PLUGINS_FROM_BIN));
     parser.addOption(plugins);
+    const QCommandLineOption steps(
+        QStringLiteral("steps"),
+        QCoreApplication::translate("main", "Run the steps of the installation in <folder>."),
+        QCoreApplication::translate("main", "folder"),
+        QCoreApplication::applicationDirPath() + QStringLiteral("/" QUAZEL_STEPS_FROM_BIN));
+    parser.addOption(steps);
     if (!parser.parse(QCoreApplication::arguments()) || !parser.positionalArguments().isEmpty()) {
         printMessage(parser.errorText().isEmpty()
                          ? QCoreApplication::translate("main", "only options are accepted; see --help")
@@ -132,5 +147,5 @@ int main(int argc, char** argv) {
     parser.process(*application);  // Handles --help and --version.
 
     quitOnTerminationSignals();
-    return noHome.isNull() ? runInstaller(run, parser.value(plugins)) : refuse(noHome);
+    return noHome.isNull() ? runInstaller(run, parser.value(plugins), parser.value(steps)) : refuse(noHome);
 }
