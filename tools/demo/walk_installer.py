@@ -13,14 +13,17 @@ import pathlib
 import re
 import shutil
 import signal
+import socket
+import subprocess
 import sys
 import time
 
 from walk import SCALE, Atspi, Walk, has, name, run, text
 
 WINDOW = "Install the Tovik KV Printer Driver"
-INTRODUCTION, CONNECTION, SUMMARY = "Introduction", "Printer Connection", "Summary"
+INTRODUCTION, CONNECTION, INSTALLATION, SUMMARY = "Introduction", "Printer Connection", "Installation", "Summary"
 CONTINUE, BACK, CLOSE = "Continue", "Go Back", "Close"
+TRY_AGAIN, SHOW_DETAILS = "Try Again", "Show Details"
 FORWARD_KEY = "alt+c"  # of Continue and of Close
 ADDRESS_KEY = "alt+a"
 DIRECTLY, NETWORK = "Directly to this computer", "Over the network"
@@ -31,6 +34,7 @@ MANUAL_ENTRY = "Enter IP Address Manually"
 ALERT_TITLE = "Tovik KV Card Printer IP Configuration"
 ALREADY_INSTALLED = "A Printer with this IP Address is already Installed, Please choose another Ethernet Printer"
 INVALID_ADDRESS = "Invalid IP"
+NO_DRIVER = "No driver for the Tovik KV460 is installed. Install the package with its driver, then try again."
 
 NETWORK_FILE = pathlib.Path(os.environ["XDG_RUNTIME_DIR"], "printers").read_text()
 PRINTERS = {model: address for address, model in re.findall(r"^(\S+) .*;DES:Tovik (\w+)", NETWORK_FILE, re.MULTILINE)}
@@ -122,9 +126,19 @@ class Installer(Walk):
         self.picture(picture)
         return alert
 
-    def expect_handed_over(self, model, address):
+    def labels(self):
+        return "\n".join(map(name, self.find_all("label")))
+
+    def wait_installation(self, result):
+        """Waits for the end of the installation's steps and checks its result."""
+        proceed = self.button(CONTINUE)
+        self.wait_for(lambda: has(proceed, "enabled") and result in self.labels(), f"the result {result!r}", timeout=30)
+        assert not self.find_all(ACTIVITY), "the progress bar is still visible after the installation"
+
+    def expect_handed_over(self, model, address, result):
         """Checks the summary and the hand-off file, which has no line end."""
-        shown = "\n".join(map(name, self.find_all("label")))
+        shown = self.labels()
+        assert result in shown, f"the summary does not say {result!r}"
         assert re.search(rf"^Model:\s+{model}\s+Address:\s+{re.escape(address)}$", shown, re.MULTILINE), \
             f"the summary does not show {model} and {address}"
         assert HAND_OFF.read_bytes() == f"{model} {address}".encode(), f"KV.txt has {HAND_OFF.read_bytes()}"
@@ -139,6 +153,28 @@ def expect_log(*expected, without=()):
     numbers = [int(number) for number in re.findall(r"Line No (\d+)$", LOG.read_text(errors="replace"), re.MULTILINE)]
     found = [number for number in numbers if number in expected + without]
     assert found == list(expected), f"the line numbers in the log are {found}"
+
+
+def queue_of(model, address):
+    return f"Tovik-{model}-Ethernet-Printer-IP={address}"
+
+
+def expect_queue(model, address):
+    queues = run("lpstat", "-v").decode()
+    assert f"device for {queue_of(model, address)}: socket://{address}\n" in queues, f"lpstat -v prints {queues}"
+    print(f"ok  lpstat -v has the print queue {queue_of(model, address)}")
+
+
+def expect_printed(model, address):
+    """Prints a raw job, and plays the printer that receives it."""
+    job = bytes(range(256)) * 400
+    with socket.create_server((address, 9100)) as printer:
+        printer.settimeout(20)
+        subprocess.run(["lp", "-d", queue_of(model, address), "-o", "raw"], input=job, check=True, timeout=20,
+                       stdout=subprocess.DEVNULL)
+        with printer.accept()[0] as connection, connection.makefile("rb") as received:
+            assert received.read() == job, "the printer received something else"
+    print(f"ok  a print job of {len(job)} bytes arrived at {address} port 9100, byte for byte")
 
 
 def with_the_mouse(user):
@@ -177,13 +213,28 @@ def with_the_mouse(user):
 
     user.choose_printer(CHOSEN)
     user.picture("chosen")
+    user.go_on(INSTALLATION)
+    user.wait_installation(queue_of(CHOSEN, PRINTERS[CHOSEN]))
+    user.picture("installed")
     user.go_on(SUMMARY)
-    user.expect_handed_over(CHOSEN, PRINTERS[CHOSEN])
+    user.expect_handed_over(CHOSEN, PRINTERS[CHOSEN], "This network printer is ready to print")
     user.picture("summary")
-    user.click(user.button(CLOSE))
-    user.expect_end()
-    expect_log(1083, 1086, 1083, 1086, 1097, 1100, without=(1121, 1135))
     print(f'ok  another printer is accepted; handed over: "{HAND_OFF.read_text()}"')
+    expect_queue(CHOSEN, PRINTERS[CHOSEN])
+    expect_printed(CHOSEN, PRINTERS[CHOSEN])
+
+    for heading in INSTALLATION, CONNECTION:
+        user.click(user.button(BACK))
+        user.find("label", heading)
+        time.sleep(PRESS_PAUSE)
+    user.click(user.button(CONTINUE))
+    alert = user.expect_alert(ALREADY_INSTALLED, "refused-now")
+    user.click(user.find("button", "Ok", root=alert))
+    user.wait_gone(alert)
+    user.key("alt+F4")
+    user.expect_end()
+    expect_log(1083, 1086, 1083, 1086, 1097, 1100, 1083, 1086, without=(1121, 1135))
+    print(f"ok  the same printer is refused now, as it has a print queue")
 
 
 def with_the_keyboard(user):
@@ -224,8 +275,19 @@ def with_the_keyboard(user):
     user.key(*["Right"] * (len(MODELS) - 1))
     user.wait_state(user.choice(MODELS[-1]), "checked")
     user.picture("typed")
+    user.go_on(INSTALLATION, FORWARD_KEY)
+    user.wait_installation(NO_DRIVER)
+    user.picture("failed")
+    user.wait_state(user.button(TRY_AGAIN), "focused")
+    user.key("Return")
+    user.wait_installation(NO_DRIVER)
+    user.key("alt+d")
+    user.wait_for(lambda: NO_DRIVER in text(user.find("text", "Details")), "the details to tell the reason")
+    user.picture("details")
+    print("ok  keyboard alone: without a driver, the installation fails and can be tried again")
     user.go_on(SUMMARY, FORWARD_KEY)
-    user.expect_handed_over(MODELS[-1], UNKNOWN_ADDRESS)
+    user.expect_handed_over(MODELS[-1], UNKNOWN_ADDRESS, NO_DRIVER)
+    user.picture("not-set-up")
     user.key(FORWARD_KEY)
     user.expect_end()
     expect_log(1026, 1121, 1124, 1135, 1138, without=(1083, 1097))
@@ -255,11 +317,33 @@ def with_assistive_actions(user):
     user.act(user.choice(CHOSEN))
     user.wait_state(user.choice(CHOSEN), "checked")
     user.act(user.button(CONTINUE))
+    user.wait_installation(queue_of(CHOSEN, UNKNOWN_ADDRESS))
+    user.act(user.button(CONTINUE))
     user.find("label", SUMMARY)
-    user.expect_handed_over(CHOSEN, UNKNOWN_ADDRESS)
+    user.expect_handed_over(CHOSEN, UNKNOWN_ADDRESS, "This network printer is ready to print")
+    expect_queue(CHOSEN, UNKNOWN_ADDRESS)
+    print(f'ok  assistive actions alone, on {os.environ["XDG_SESSION_TYPE"]}: "{HAND_OFF.read_text()}"')
+
+    for heading in INSTALLATION, CONNECTION:
+        user.act(user.button(BACK))
+        user.find("label", heading)
+    user.act(user.button(CONTINUE))
+    alert = user.find("alert", ALERT_TITLE)
+    assert user.find_all("label", ALREADY_INSTALLED, root=alert), "the printer is not refused"
+    user.act(user.find("button", "Ok", root=alert))
+    user.wait_gone(alert)
+    user.act(user.choice(MODELS[-1]))
+    user.wait_state(user.choice(MODELS[-1]), "checked")
+    user.act(user.button(CONTINUE))
+    user.wait_installation(NO_DRIVER)
+    user.act(user.button(SHOW_DETAILS))
+    user.find("text", "Details")
+    user.act(user.button(CONTINUE))
+    user.find("label", SUMMARY)
+    user.expect_handed_over(MODELS[-1], UNKNOWN_ADDRESS, NO_DRIVER)
     user.act(user.button(CLOSE))
     user.expect_end()
-    print(f'ok  assistive actions alone, on {os.environ["XDG_SESSION_TYPE"]}: "{HAND_OFF.read_text()}"')
+    print(f"ok  assistive actions alone: refused now; without a driver, the {MODELS[-1]} is not set up")
 
 
 def main():
