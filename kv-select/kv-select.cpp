@@ -3,6 +3,8 @@
 
 #include "Installer/HandOffFolder.h"
 #include "Installer/InstallerRun.h"
+#include "Installer/StepRunner.h"
+#include "Installer/TerminationSignals.h"
 #include "NetworkPrinterConfig/IPAddressTextValidator.h"
 #include "NetworkPrinterConfig/NetworkPrinterConfigPane.h"
 #include "NetworkPrinterConfig/OnlyIntegerValueFormatter.h"
@@ -26,12 +28,13 @@
 #include <climits>
 #include <csignal>
 #include <cstdio>
+#include <memory>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-enum ExitStatus { exitDone = 0, exitRefused = 1, exitUsage = 2, exitNoneOrSeveral = 3 };
+enum ExitStatus { exitDone = 0, exitRefused = 1, exitUsage = 2, exitNoneOrSeveral = 3, exitStepFailed = 4 };
 
 void complain(const QString& text) {
     std::fprintf(stderr, "kv-select: %s\n", qUtf8Printable(text));
@@ -241,7 +244,6 @@ bool choosePrinter(NetworkPrinterConfigPane& page, const QString& model, const Q
 /// Returns the exit status.
 int handOver(const QString& model, int column, const QString& address) {
     const QString file = selectionFilePath();
-    warnUnderSudo(file);
     AlertPrinter alerts;
     qApp->installEventFilter(&alerts);
     NetworkPrinterConfigPane page;
@@ -274,6 +276,31 @@ int handOver(const QString& model, int column, const QString& address) {
         page.RemoveFile();
     } else if (::isatty(STDERR_FILENO) != 0) {
         complain(u"wrote %1"_s.arg(file));
+    }
+    return status;
+}
+
+/// Runs the steps, with their output on standard error. A signal ends the running step, then the program.
+/// KV.txt stays, so that the steps can be repeated. Returns the exit status.
+int install(const QStringList& steps) {
+    quitOnTerminationSignals();
+    setPath(handOffFile, {});
+    auto runner = std::make_unique<StepRunner>();
+    QObject::connect(runner.get(), &StepRunner::lineWritten,
+                     [](const QString& line) { std::fprintf(stderr, "%s\n", qUtf8Printable(line)); });
+    QObject::connect(runner.get(), &StepRunner::finished, [](bool succeeded, const QString& message) {
+        if (!succeeded) {
+            complain(u"not set up: "_s + message);
+        }
+        QCoreApplication::exit(succeeded ? exitDone : exitStepFailed);
+    });
+    const auto start = [&] { runner->start(steps, selectionFilePath()); };
+    QMetaObject::invokeMethod(runner.get(), start, Qt::QueuedConnection);  // exit() needs an event loop.
+    const int status = QCoreApplication::exec();
+    runner.reset();
+    if (const int number = terminationSignal(); number != 0) {
+        (void)std::signal(number, SIG_DFL);
+        onSignal(number);
     }
     return status;
 }
@@ -311,14 +338,21 @@ int main(int argc, char** argv) {
         "renamed with the date and time of its last record.\n\n"
         "Exit status: 0 if a printer was handed over or listed, 1 if it was refused, 2 for wrong usage, 3 if "
         "no\n"
-        "printer responded, or more than one."_s);
+        "printer responded, or more than one, 4 if a step of the installation failed."_s);
     parser.addHelpOption();
     parser.addVersionOption();
     const QCommandLineOption list(u"list"_s, u"Print the printers that respond, one per line."_s);
     parser.addOption(list);
+    const QCommandLineOption installing(u"install"_s, u"Then run the steps of the installation."_s);
+    parser.addOption(installing);
+    const QCommandLineOption folder(u"steps"_s, u"With --install: run the steps in <folder>."_s, u"folder"_s,
+                                    StepRunner::installedFolder());
+    parser.addOption(folder);
     parser.addPositionalArgument(u"MODEL"_s, u"KV210, KV260, KV410 or KV460"_s, u"[MODEL"_s);
     parser.addPositionalArgument(u"ADDRESS"_s, u"IPv4 address"_s, u"[ADDRESS]]"_s);
     const bool isParsed = parser.parse(all);
+    const bool isInstalling = parser.isSet(installing);
+    const QStringList steps = StepRunner::stepsIn(parser.value(folder));
     const QStringList arguments = parser.positionalArguments();
     const QString model = arguments.value(0);
     const QString address = arguments.value(1);
@@ -330,6 +364,10 @@ int main(int argc, char** argv) {
         problem = parser.errorText();
     } else if (arguments.count() > (parser.isSet(list) ? 0 : 2)) {
         problem = u"too many arguments"_s;
+    } else if (parser.isSet(list) && isInstalling) {
+        problem = u"--list installs nothing"_s;
+    } else if (isInstalling && steps.isEmpty()) {
+        problem = u"no steps in %1"_s.arg(parser.value(folder));
     } else if (!arguments.isEmpty() && row == modelCatalog.end()) {
         problem = u"unknown model \"%1\""_s.arg(model);
     } else if (arguments.count() == 2 && !isAddress(address)) {
@@ -354,9 +392,14 @@ int main(int argc, char** argv) {
     }
     setPath(lockFile, run.lockFile());
     keepEarlierLog();
-    const int status = parser.isSet(list)
-                           ? listPrinters()
-                           : handOver(model, static_cast<int>(row - modelCatalog.begin()), address);
+    if (!parser.isSet(list) && !isInstalling) {
+        warnUnderSudo(selectionFilePath());
+    }
+    int status = parser.isSet(list) ? listPrinters()
+                                    : handOver(model, static_cast<int>(row - modelCatalog.begin()), address);
+    if (isInstalling && status == exitDone) {
+        status = install(steps);
+    }
     // Another run may start once the lock is released; a late signal must not remove its files.
     sigset_t everySignal;
     sigfillset(&everySignal);

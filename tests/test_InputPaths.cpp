@@ -186,7 +186,7 @@ struct Rig {
         seen.deSelect = page->g_deSelectCell();
         seen.selectedCell = page->g_SelectedCell();
         seen.file = QString::fromLatin1(contentOf(home.selectionFile()));
-        seen.summary = window.findChild<QLabel*>(u"summary"_s)->text().section(u"\n\n"_s, 1);
+        seen.summary = window.findChild<QLabel*>(u"summary"_s)->text().section(u"\n\n"_s, 1, 1);
         seen.effects = std::exchange(effects, {}) + takeLog(home);
         const bool isMixed =
             enabled.contains(seen.isSearching) || names.contains(u"Searching…"_s) != seen.isSearching ||

@@ -73,6 +73,14 @@ expect 0 "PPD name is $HOME/cups/tmp/quazel-installer-" grep 'PPD name' "$docume
 expect 0 '' rmdir "$HOME/cups/tmp"  # Nothing is left in it.
 expect 0 "kv-select: wrote $documents/KV.txt" script -qec "$1 KV260" /dev/null
 
+# The steps of the installation. Their failure has a status of its own, and KV.txt stays.
+program=("$tools/private-cupsd" "$HOME/cups" "$1" --install)
+expect 0 '[4|KV410 10.9.9.9|No driver for the Tovik KV410 is installed. Install the package with its driver, then try again.
+kv-select: not set up: No driver for the Tovik KV410' run KV410 10.9.9.9
+sed 's/@MODEL@/KV410/' "$tools/kv-series.ppd.in" >"$HOME/cups/share/model/KV410.ppd"
+expect 0 '[0|KV410 10.9.9.9|The print queue is Tovik-KV410-Ethernet-Printer-IP=10.9.9.9.|KV410 10.9.9.9!' run KV410 10.9.9.9
+expect 2 "no steps in $HOME/steps" "$1" --install --steps "$HOME/steps"
+
 # A pipe in place of KV.txt blocks the program where it writes the file, and the signal removes the pipe. A second run
 # changes nothing. After SIGKILL, the next run ignores the lock.
 mkdir "$HOME/tmp"
@@ -94,6 +102,17 @@ for signal in KILL INT TERM HUP; do
         diff <(cd "$HOME" && find Documents tmp) - <<<$'Documents\nDocuments/QzInstall.log\ntmp'
     fi
 done
+# A signal ends the running step, then the program.
+mkdir "$HOME/steps"
+install /dev/stdin "$HOME/steps/1" <<<$'#!/bin/sh\necho $$ >$0.group\nsleep 99 & sleep 99'
+env --default-signal "$1" --install --steps "$HOME/steps" KV260 192.168.1.40 &
+until [[ -s $HOME/steps/1.group ]]; do sleep 0.02; done
+kill -INT $!
+status=0
+wait $! || status=$?
+expect 0 INT kill -l $status
+expect 1 'No such process' kill -0 -- "-$(cat "$HOME/steps/1.group")"
+diff <(cd "$HOME" && find tmp Documents -name '*.lock' -o -name KV.txt -o -path 'tmp*') - <<<$'tmp\nDocuments/KV.txt'
 # During the search, this run has not written the file.
 rm "$documents/QzInstall.log"
 "$1" KV260 &

@@ -1,5 +1,6 @@
 #include "Installer/StepRunner.h"
 
+#include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFileInfo>
@@ -39,6 +40,10 @@ QStringList StepRunner::stepsIn(const QString& folder) {
         steps += directory.absoluteFilePath(name);
     }
     return steps;
+}
+
+QString StepRunner::installedFolder() {
+    return QCoreApplication::applicationDirPath() + QStringLiteral("/" QUAZEL_STEPS_FROM_BIN);
 }
 
 StepRunner::StepRunner(QObject* parent) : QObject(parent) {

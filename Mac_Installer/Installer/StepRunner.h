@@ -18,6 +18,9 @@ class StepRunner : public QObject {
     /// step, which fails. Empty if the folder can't be read.
     [[nodiscard]] static QStringList stepsIn(const QString& folder);
 
+    /// The folder of the installed steps.
+    [[nodiscard]] static QString installedFolder();
+
     explicit StepRunner(QObject* parent = nullptr);
     /// Ends the running step: SIGTERM to its process group, and after five seconds SIGKILL. Waits for that.
     ~StepRunner() override;

@@ -11,9 +11,11 @@
 namespace {
 
 int wakeUp = -1;  // eventfd: writing is async-signal-safe and wakes the event loop.
+volatile std::sig_atomic_t received = 0;
 
-void onSignal(int /*number*/) {
+void onSignal(int number) {
     const int error = errno;
+    received = number;
     (void)::eventfd_write(wakeUp, 1);
     errno = error;
 }
@@ -29,6 +31,12 @@ void quitOnTerminationSignals() {
     // Not quit(): it closes the windows first, which a modal alert prevents.
     QObject::connect(notifier, &QSocketNotifier::activated, [] { QCoreApplication::exit(0); });
     for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
-        (void)std::signal(number, onSignal);
+        if (std::signal(number, onSignal) == SIG_IGN) {
+            (void)std::signal(number, SIG_IGN);
+        }
     }
+}
+
+int terminationSignal() {
+    return received;
 }

@@ -135,8 +135,7 @@ int main(int argc, char** argv) {
     const QCommandLineOption steps(
         QStringLiteral("steps"),
         QCoreApplication::translate("main", "Run the steps of the installation in <folder>."),
-        QCoreApplication::translate("main", "folder"),
-        QCoreApplication::applicationDirPath() + QStringLiteral("/" QUAZEL_STEPS_FROM_BIN));
+        QCoreApplication::translate("main", "folder"), StepRunner::installedFolder());
     parser.addOption(steps);
     if (!parser.parse(QCoreApplication::arguments()) || !parser.positionalArguments().isEmpty()) {
         printMessage(parser.errorText().isEmpty()
