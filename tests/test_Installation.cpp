@@ -46,7 +46,7 @@ const struct {
     {{u"1"_s, u"echo 1; printf '2\n3' >&2; exit 5"_s, u"2"_s, u"touch $0.ran"_s}, valid, false, u"3"_s},
     {{u"killed"_s, u"kill -9 $$"_s}, valid, false, u"/killed was ended by the signal 9"_s},
     {{u"not-executable"_s, {}}, valid, false, u"/not-executable can't be run: "_s},
-    {{u"output-stays-open"_s, u"sleep 99 &"_s}, valid, true, {}},
+    {{u"output-stays-open"_s, u"sleep 98.7 &"_s}, valid, true, {}},
     {{u"signals-and-terminal"_s, u"cat; exec ps -o ignored=,blocked=,tty= $$"_s},
      valid,
      true,
@@ -85,7 +85,9 @@ class TestInstallation : public QObject {
             QVERIFY2(label("summary").contains(state) && label("summary").endsWith(page_->message()), name);
             QVERIFY2(!QFile::exists(steps_ + u"/2.ran"_s), name);
         }
-        const QString check = u"test \"$(lpstat -v)\" = 'device for %1: socket://10.0.0.8'"_s.arg(queue);
+        const QString check =
+            u"! pgrep -f '^sleep 98.7' && test \"$(lpstat -v)\" = 'device for %1: socket://10.0.0.8'"_s.arg(
+                queue);
         QCOMPARE(QProcess::execute(u"sh"_s, {u"-c"_s, check}), 0);
     }
 
