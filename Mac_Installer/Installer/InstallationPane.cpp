@@ -10,9 +10,11 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-InstallationPane::InstallationPane(const QStringList& steps, QObject* parent)
+#include <utility>
+
+InstallationPane::InstallationPane(QStringList steps, QObject* parent)
     : InstallerPane(parent),
-      steps_(steps),
+      steps_(std::move(steps)),
       status_(new QLabel),
       progress_(new QProgressBar),
       tryAgain_(new QPushButton(tr("Try &Again"))),

@@ -17,7 +17,7 @@ class InstallationPane : public InstallerPane {
 
   public:
     /// `steps` are executables, as StepRunner::stepsIn returns them.
-    explicit InstallationPane(const QStringList& steps, QObject* parent = nullptr);
+    explicit InstallationPane(QStringList steps, QObject* parent = nullptr);
 
     [[nodiscard]] QString title() const override { return tr("Installation"); }
     void didEnterPane(InstallerDirection direction) override;
