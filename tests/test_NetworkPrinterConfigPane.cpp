@@ -17,6 +17,7 @@
 #include <pthread.h>
 
 #include <algorithm>
+#include <cstdint>
 
 namespace {
 
@@ -172,7 +173,7 @@ class TestNetworkPrinterConfigPane : public QObject {
         pthread_attr_t usual;
         ::pthread_getattr_default_np(&usual);
         pthread_attr_t huge = usual;
-        ::pthread_attr_setstacksize(&huge, std::size_t(1) << 60);  // Exceeds the address space.
+        ::pthread_attr_setstacksize(&huge, SIZE_MAX / 4 * 3);  // Exceeds the free addresses.
         ::pthread_setattr_default_np(&huge);
         QTest::mouseClick(pane_->RefreshButton(), Qt::LeftButton);
         ::pthread_setattr_default_np(&usual);

@@ -45,6 +45,10 @@ int fail(int error) {
 }  // namespace
 
 // Called instead of the system's functions (linker option --wrap).
+#ifdef __USE_TIME64_REDIRECTS  // 64-bit time on a 32-bit system.
+#define __real_select __real___select64
+#define __wrap_select __wrap___select64
+#endif
 extern "C" {
 int __real_socket(int domain, int type, int protocol);
 int __real_select(int, fd_set*, fd_set*, fd_set*, timeval*);
