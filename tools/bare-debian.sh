@@ -9,7 +9,7 @@ work=$(mktemp -d)
 trap '"${as_root[@]}" rm -rf --one-file-system -- "$work"' EXIT
 trap 'exit 130' INT  # bash ignores a SIGINT that the running command survives.
 
-# make_bare_debian SUITE FOLDER: uses this machine's package sources, with the suite replaced by SUITE.
+# make_bare_debian SUITE FOLDER [ARCHITECTURE]: uses this machine's package sources, with the suite replaced by SUITE.
 make_bare_debian() {
     local file sources
     # shellcheck source=/dev/null
@@ -21,7 +21,7 @@ make_bare_debian() {
     done
     sed "s/\<$VERSION_CODENAME\>/$1/g" "$sources" |
         "${as_root[@]}" mmdebstrap --mode=root --variant=minbase --format=directory --dpkgopt=force-unsafe-io \
-            --aptopt='Acquire::Retries "3"' "$1" "$2" -
+            ${3:+--architectures="$3"} --aptopt='Acquire::Retries "3"' "$1" "$2" -
 }
 
 # run_in FOLDER OUT SCRIPT: runs SCRIPT as root in the system in FOLDER, with the folder OUT as /out. Not by chroot, as the
