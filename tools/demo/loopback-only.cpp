@@ -15,7 +15,6 @@
 
 #include <cerrno>
 #include <cstring>
-#include <span>
 #include <string_view>
 
 namespace {
@@ -65,17 +64,6 @@ ssize_t sendmsg(int descriptor, const msghdr* message, int flags) {
         return -1;
     }
     return real(descriptor, message, flags);
-}
-
-int sendmmsg(int descriptor, mmsghdr* messages, unsigned int count, int flags) {
-    static auto* const real = next(&sendmmsg, "sendmmsg");
-    for (const mmsghdr& message : std::span(messages, count)) {
-        if (namesInterface(message.msg_hdr)) {
-            errno = EPERM;
-            return -1;
-        }
-    }
-    return real(descriptor, messages, count, flags);
 }
 
 int getifaddrs(ifaddrs** list) noexcept {
