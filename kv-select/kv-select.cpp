@@ -325,6 +325,7 @@ int main(int argc, char** argv) {
     }
     int one = 1;  // QApplication would take its own options out.
     const QApplication application(one, argv);
+    qunsetenv("QT_QPA_PLATFORM");  // A step of the installation may show a window.
     QCoreApplication::setApplicationName(u"kv-select"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(QUAZEL_VERSION));
 
@@ -334,7 +335,7 @@ int main(int argc, char** argv) {
         u"one,\n"
         "the only one of MODEL that responds to a search, or the only one that responds. Prints the line "
         "that\n"
-        "was handed over. The steps are logged to QzInstall.log in the documents folder; an earlier log is\n"
+        "was handed over. All of this is logged to QzInstall.log in the documents folder; an earlier log is\n"
         "renamed with the date and time of its last record.\n\n"
         "Exit status: 0 if a printer was handed over or listed, 1 if it was refused, 2 for wrong usage, 3 if "
         "no\n"
@@ -366,6 +367,8 @@ int main(int argc, char** argv) {
         problem = u"too many arguments"_s;
     } else if (parser.isSet(list) && isInstalling) {
         problem = u"--list installs nothing"_s;
+    } else if (parser.isSet(folder) && !isInstalling) {
+        problem = u"--steps needs --install"_s;
     } else if (isInstalling && steps.isEmpty()) {
         problem = u"no steps in %1"_s.arg(parser.value(folder));
     } else if (!arguments.isEmpty() && row == modelCatalog.end()) {

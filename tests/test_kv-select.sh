@@ -79,6 +79,7 @@ expect 0 '[4|KV410 10.9.9.9|No driver for the Tovik KV410 is installed. Install 
 kv-select: not set up: No driver for the Tovik KV410' run KV410 10.9.9.9
 sed 's/@MODEL@/KV410/' "$tools/kv-series.ppd.in" >"$HOME/cups/share/model/KV410.ppd"
 expect 0 '[0|KV410 10.9.9.9|The print queue is Tovik-KV410-Ethernet-Printer-IP=10.9.9.9.|KV410 10.9.9.9!' run KV410 10.9.9.9
+expect 1 "$refused" run KV260
 expect 2 "no steps in $HOME/steps" "$1" --install --steps "$HOME/steps"
 
 # A pipe in place of KV.txt blocks the program where it writes the file, and the signal removes the pipe. A second run

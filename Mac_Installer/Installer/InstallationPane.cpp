@@ -12,6 +12,15 @@
 
 #include <utility>
 
+namespace {
+
+/// Unlike hasFocus(), also while another window is active, such as a password dialog.
+bool hasFocusInWindow(const QWidget* widget) {
+    return widget->window()->focusWidget() == widget;
+}
+
+}  // namespace
+
 InstallationPane::InstallationPane(QStringList steps, QObject* parent)
     : InstallerPane(parent),
       steps_(std::move(steps)),
@@ -26,7 +35,7 @@ InstallationPane::InstallationPane(QStringList steps, QObject* parent)
     status_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     progress_->setRange(0, 0);  // A step doesn't tell how far it is.
     progress_->setTextVisible(false);
-    progress_->setFocusPolicy(Qt::TabFocus);  // The only control that is needed meanwhile.
+    progress_->setFocusPolicy(Qt::TabFocus);  // It holds the focus while the buttons are disabled.
     tryAgain_->setObjectName(QStringLiteral("tryAgain"));
     details_->setAccessibleName(tr("Details"));
     details_->setReadOnly(true);
@@ -37,8 +46,8 @@ InstallationPane::InstallationPane(QStringList steps, QObject* parent)
 
     auto* const content = new QWidget;
     auto* const buttons = new QHBoxLayout;
-    buttons->addWidget(tryAgain_);
     buttons->addWidget(toggle_);
+    buttons->addWidget(tryAgain_);  // Last, so that hiding it moves no button under the pointer.
     buttons->addStretch();
     auto* const column = new QVBoxLayout(content);
     column->setContentsMargins(0, 0, 0, 0);
@@ -64,20 +73,14 @@ void InstallationPane::didEnterPane(InstallerDirection direction) {
 }
 
 void InstallationPane::run() {
-    const bool isNeeded = QFile::exists(handOffFile());
-    setRunning(isNeeded);
-    if (tryAgain_->hasFocus()) {
+    setRunning(true);
+    if (hasFocusInWindow(tryAgain_)) {
         progress_->setFocus();
     }
     tryAgain_->hide();
-    toggle_->setVisible(isNeeded);
-    showDetails(isNeeded && !details_->isHidden());
     details_->clear();
-    showState(isNeeded ? tr("Setting up the printer ...")
-                       : tr("No network printer was chosen, so there is nothing to set up."));
-    if (isNeeded) {
-        runner_.start(steps_, handOffFile());
-    }
+    showState(tr("Setting up the printer ..."));
+    runner_.start(steps_, handOffFile());
 }
 
 void InstallationPane::setRunning(bool isRunning) {
@@ -86,27 +89,35 @@ void InstallationPane::setRunning(bool isRunning) {
     setPreviousEnabled(!isRunning);
 }
 
-/// A screen reader reads the new name of the progress bar, which has the focus; not every line of a step.
+/// Screen readers read the name of the progress bar, which has the focus meanwhile; not every line of a step.
 void InstallationPane::showState(const QString& state) {
     progress_->setAccessibleName(state);
     status_->setText(state);
 }
 
 void InstallationPane::showLine(const QString& line) {
-    status_->setText(progress_->accessibleName() + QStringLiteral("\n\n") + line);
+    constexpr qsizetype longest = 200;  // A long line without spaces would widen the page.
+    if (!line.isEmpty()) {
+        status_->setText(progress_->accessibleName() + QStringLiteral("\n\n") + line.left(longest));
+    }
     details_->appendPlainText(line);
 }
 
 void InstallationPane::showResult(bool succeeded, const QString& message) {
     hasSucceeded_ = succeeded;
     message_ = message;
-    const QString state = succeeded ? tr("The printer is set up.") : tr("The printer is not set up.");
-    showState(state + QStringLiteral("\n\n") + message);
-    const bool focusFollows = progress_->hasFocus();  // Unless the user has moved the focus meanwhile.
+    const QString state = !succeeded                     ? tr("The printer is not set up.")
+                          : QFile::exists(handOffFile()) ? tr("The printer is set up.")
+                                                         : tr("No network printer was chosen, so there is "
+                                                              "nothing to set up.");
+    showState((state + QStringLiteral("\n\n") + message).trimmed());
+    const bool focusFollows = hasFocusInWindow(progress_);  // Unless the user has moved the focus meanwhile.
     setRunning(false);
     tryAgain_->setVisible(!succeeded);
     if (focusFollows) {
-        (succeeded ? toggle_ : tryAgain_)->setFocus();
+        QPushButton* const next = succeeded ? toggle_ : tryAgain_;
+        next->setAccessibleDescription(status_->text());  // Screen readers read it with the button.
+        next->setFocus();
     }
 }
 

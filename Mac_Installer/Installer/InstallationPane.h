@@ -1,4 +1,5 @@
 // The page that runs the steps of the installation when it is entered forwards, and shows their progress.
+// They also run if no network printer was chosen.
 //
 // Continue and Go Back are disabled meanwhile; after a failure, the user can also continue.
 

@@ -7,7 +7,9 @@
 #include <QRegularExpression>
 #include <QThread>
 
+#include <sys/prctl.h>
 #include <sys/types.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -33,6 +35,9 @@ void prepareChild() {
 }  // namespace
 
 QStringList StepRunner::stepsIn(const QString& folder) {
+    if (folder.isEmpty()) {
+        return {};  // QDir would take the working directory.
+    }
     const QDir directory(folder);
     const QStringList files = directory.entryList(QDir::Files | QDir::System, QDir::Name);
     QStringList steps;
@@ -43,10 +48,13 @@ QStringList StepRunner::stepsIn(const QString& folder) {
 }
 
 QString StepRunner::installedFolder() {
-    return QCoreApplication::applicationDirPath() + QStringLiteral("/" QUAZEL_STEPS_FROM_BIN);
+    return QDir::cleanPath(QCoreApplication::applicationDirPath() +
+                           QStringLiteral("/" QUAZEL_STEPS_FROM_BIN));
 }
 
 StepRunner::StepRunner(QObject* parent) : QObject(parent) {
+    // Inherit the children that a step leaves, to see when its process group is empty.
+    ::prctl(PR_SET_CHILD_SUBREAPER, 1);
     process_.setChildProcessModifier(prepareChild);
     process_.setStandardInputFile(QProcess::nullDevice());
     connect(&process_, &QProcess::readyReadStandardOutput, this, [this] { readLines(false); });
@@ -61,7 +69,7 @@ StepRunner::StepRunner(QObject* parent) : QObject(parent) {
         const QString problem = status == QProcess::CrashExit ? tr("%1 was ended by the signal %2")
                                                               : tr("%1 failed with the status %2");
         const bool hasSucceeded = status == QProcess::NormalExit && number == 0;
-        endStep(hasSucceeded ? QString() : problem.arg(process_.program()).arg(number));
+        endStep(hasSucceeded ? QString() : problem.arg(process_.program(), QString::number(number)));
     });
 }
 
@@ -70,15 +78,22 @@ StepRunner::~StepRunner() {
     if (group_ == 0) {
         return;
     }
-    process_.waitForStarted();  // Before that, it has no process group.
-    const auto group = static_cast<pid_t>(-group_);
-    ::kill(group, SIGTERM);
-    for (const QDeadlineTimer deadline(patience); !deadline.hasExpired() && ::kill(group, 0) == 0;) {
-        process_.waitForFinished(10);
-        QThread::msleep(10);  // Its children may still be running.
+    process_.waitForStarted();  // The child may not have called setsid() yet.
+    for (const int number : {SIGTERM, SIGKILL}) {
+        ::kill(static_cast<pid_t>(-group_), number);
+        waitForGroup();
     }
-    ::kill(group, SIGKILL);
-    process_.waitForFinished();
+}
+
+/// Waits until the process group is empty, for `patience` at most.
+void StepRunner::waitForGroup() {
+    const auto group = static_cast<pid_t>(-group_);
+    for (const QDeadlineTimer deadline(patience); ::kill(group, 0) == 0 && !deadline.hasExpired();) {
+        if (process_.state() == QProcess::NotRunning || process_.waitForFinished(10)) {
+            (void)::waitpid(group, nullptr, WNOHANG);  // Not the step itself, which is QProcess's.
+            QThread::msleep(10);
+        }
+    }
 }
 
 void StepRunner::start(const QStringList& steps, const QString& argument) {
@@ -116,7 +131,8 @@ void StepRunner::readLines(bool isEnded) {
 /// `problem` is null for success; it is used if the step hasn't said why it failed.
 void StepRunner::endStep(const QString& problem) {
     if (group_ != 0) {
-        ::kill(static_cast<pid_t>(-group_), SIGKILL);  // What the step left would outlive the installer.
+        ::kill(static_cast<pid_t>(-group_),
+               SIGKILL);  // Processes left by the step would outlive the installer.
         group_ = 0;
     }
     const QString& lastOutput = last_[QProcess::StandardOutput];

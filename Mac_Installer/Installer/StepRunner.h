@@ -36,6 +36,7 @@ class StepRunner : public QObject {
     void finished(bool succeeded, const QString& message);
 
   private:
+    void waitForGroup();
     void runNext();
     void readLines(bool isEnded);
     void endStep(const QString& problem);

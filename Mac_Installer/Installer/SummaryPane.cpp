@@ -7,8 +7,8 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
-SummaryPane::SummaryPane(const InstallationPane* installation, QObject* parent)
-    : InstallerPane(parent), installation_(installation) {
+SummaryPane::SummaryPane(const InstallationPane* installation, const QString& problem, QObject* parent)
+    : InstallerPane(parent), installation_(installation), problem_(problem) {
     auto* const content = new QWidget;
     auto* const column = new QVBoxLayout(content);
     column->setContentsMargins(0, 0, 0, 0);
@@ -24,10 +24,15 @@ SummaryPane::SummaryPane(const InstallationPane* installation, QObject* parent)
 
 void SummaryPane::didEnterPane(InstallerDirection /*direction*/) {
     QFile file(handOffFile());
+    if (installation_ == nullptr && !problem_.isNull()) {
+        text_->setText(tr("Nothing was set up.") + QStringLiteral("\n\n") + problem_);
+        return;
+    }
     if (!file.exists()) {
         text_->setText(
-            tr("No network printer was chosen, and nothing was set up. To add a printer that is connected "
-               "directly to this computer, use the printer settings of your desktop."));
+            tr("No network printer was chosen. To add a printer that is connected directly to this computer, "
+               "use "
+               "the printer settings of your desktop."));
         return;
     }
     constexpr qint64 longestLine = 64;

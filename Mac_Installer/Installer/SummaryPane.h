@@ -11,13 +11,16 @@ class SummaryPane : public InstallerPane {
     Q_OBJECT
 
   public:
-    /// `installation` is the page before, or null if no steps are installed. It must outlive this page's use.
-    explicit SummaryPane(const InstallationPane* installation, QObject* parent = nullptr);
+    /// `installation` is the page before, or null if there is none; it must outlive this page's use.
+    /// `problem` says why no choice can be saved, or is null.
+    explicit SummaryPane(const InstallationPane* installation, const QString& problem = {},
+                         QObject* parent = nullptr);
 
     [[nodiscard]] QString title() const override { return tr("Summary"); }
     void didEnterPane(InstallerDirection direction) override;
 
   private:
     const InstallationPane* installation_;
+    QString problem_;
     QLabel* text_;  // child of the content widget
 };

@@ -100,11 +100,13 @@ int runInstaller(InstallerRun& run, const QString& pluginFolder, const QString& 
         printMessage(QCoreApplication::translate("main", "%1: is not a readable folder").arg(stepFolder));
     }
     const QStringList steps = StepRunner::stepsIn(stepFolder);
-    auto* const installation = steps.isEmpty() ? nullptr : new InstallationPane(steps, qApp);
+    // An earlier choice in a folder that can't be written to must not be installed.
+    auto* const installation =
+        steps.isEmpty() || !problem.isNull() ? nullptr : new InstallationPane(steps, qApp);
     if (installation != nullptr) {
         pages.push_back(installation);
     }
-    pages.push_back(new SummaryPane(installation, qApp));
+    pages.push_back(new SummaryPane(installation, problem, qApp));
 
     InstallerWindow window(pages);
     window.show();
