@@ -13,9 +13,11 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <thread>
 
 std::int32_t Timeout = 1000;
 
@@ -74,21 +76,19 @@ void receiveReply(int descriptor, ResponderTable& responders) {
 void collectReplies(int descriptor, ResponderTable& responders, const std::stop_token& leaving) {
     // FD_SET on a descriptor of FD_SETSIZE or above would overflow the set. Such a socket is not listened on,
     // like one that could not be opened.
-    bool listening = descriptor >= 0 && descriptor < FD_SETSIZE;
+    const int listened = descriptor < FD_SETSIZE ? descriptor : -1;
     while (!responders.isClosed() && !leaving.stop_requested()) {
-        const int ready = waitForDatagram(listening ? descriptor : -1);
+        const int ready = waitForDatagram(listened);
         if (ready == 0) {
             return;
         }
-        if (ready < 0) {
-            const int error = errno;
-            tDebugPrint("Select return -1 %d\n", error);
-            ++responders.failures;
-            // After a signal, wait again. Any other error would recur at once, in an endless loop.
-            listening = listening && error == EINTR;
+        if (ready > 0) {
+            receiveReply(descriptor, responders);
             continue;
         }
-        receiveReply(descriptor, responders);
+        tDebugPrint("Select return -1 %d\n", errno);
+        ++responders.failures;
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));  // A lasting error recurs at once.
     }
 }
 

@@ -30,8 +30,8 @@ struct ResponderTable {
     std::int32_t count = 0;
     std::int32_t failures = 0;  ///< Failed waits and receives.
 
-    /// Collection ends when the table is full, or after too many failures: waits that keep being interrupted
-    /// and datagrams that are announced but can't be received would otherwise keep the run going forever.
+    /// Collection ends when the table is full, or after too many failures: waits that keep failing and
+    /// datagrams that are announced but can't be received would otherwise keep the run going forever.
     [[nodiscard]] bool isClosed() const { return count >= capacity || failures >= maximumFailures; }
 };
 
