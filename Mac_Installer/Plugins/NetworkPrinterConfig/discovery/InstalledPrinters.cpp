@@ -7,6 +7,7 @@
 
 #include <QByteArray>
 #include <QElapsedTimer>
+#include <QScopeGuard>
 
 #include <cups/cups.h>
 #include <cups/ppd.h>
@@ -69,37 +70,24 @@ bool isInstalledPpdUnreadable(const char* queue) {
     return ::access(ppd.constData(), R_OK) != 0 && errno == EACCES;
 }
 
-/// The destinations of the default server, freed together, and their PPDs. If the service doesn't respond
-/// there are no destinations; once it stops responding there are no more PPDs.
-struct PrintService {
-    PrintService() = default;
-    PrintService(const PrintService&) = delete;
-    PrintService& operator=(const PrintService&) = delete;
-    ~PrintService() { cupsFreeDests(count, list); }
-
-    /// The file that CUPS creates for a queue's PPD: a link to the installed PPD, or a copy. Null for a queue
-    /// without a PPD.
-    [[nodiscard]] const char* ppdOf(const char* queue) {
-        if (isSilent) {
-            return nullptr;
-        }
-        QElapsedTimer timer;
-        timer.start();
-        const char* const file = cupsGetPPD2(CUPS_HTTP_DEFAULT, queue);
-        isSilent = timer.elapsed() >= slowAnswer && isServiceSilent();
-        return file;
+/// The file that CUPS creates for a queue's PPD: a link to the installed PPD, or a copy. Null for a queue
+/// without a PPD, and once the service has stopped responding.
+const char* requestPpdOf(const char* queue, bool& isSilent) {
+    if (isSilent) {
+        return nullptr;
     }
-
-    bool isSilent = isServiceSilent();
-    cups_dest_t* list = nullptr;
-    int count = isSilent ? 0 : cupsGetDests2(CUPS_HTTP_DEFAULT, &list);
-};
+    QElapsedTimer timer;
+    timer.start();
+    const char* const file = cupsGetPPD2(CUPS_HTTP_DEFAULT, queue);
+    isSilent = timer.elapsed() >= slowAnswer && isServiceSilent();
+    return file;
+}
 
 /// Opens the PPD of a queue: the target of the link that CUPS provides for local queues, or, if the user may
 /// not read the target, the copy that CUPS provides instead. Nothing else is opened; a queue may have no PPD.
-Ppd openPpdOf(const char* queue, PrintService& service) {
+Ppd openPpdOf(const char* queue, bool& isSilent) {
     std::array<char, 1024> path{};
-    const char* const file = service.ppdOf(queue);
+    const char* const file = requestPpdOf(queue, isSilent);
     const ssize_t length = file == nullptr ? 0 : ::readlink(file, path.data(), path.size());
     if (length == std::ssize(path)) {
         path.fill('\0');  // Not terminated, and maybe truncated.
@@ -126,9 +114,9 @@ bool isQueueLookedFor(const char* queue) {
     return false;
 }
 
-void examineQueue(const char* queue, PrintService& service) {
+void examineQueue(const char* queue, bool& isSilent) {
     tDebugPrint("Printer name is %s\n", textOrNull(queue));
-    const Ppd ppd = openPpdOf(queue, service);
+    const Ppd ppd = openPpdOf(queue, isSilent);
     if (!ppd) {
         return;
     }
@@ -148,12 +136,15 @@ void examineQueue(const char* queue, PrintService& service) {
 void GetInstalledPrinterList() {
     tDebugPrint("GetInstalledPrinterList\n");
     g_PrinterAlreadyInstalled = 0;
-    PrintService service;
-    tDebugPrint("Number of printers found in the system is %d\n", service.count);
+    bool isSilent = isServiceSilent();
+    cups_dest_t* queues = nullptr;
+    const int count = isSilent ? 0 : cupsGetDests2(CUPS_HTTP_DEFAULT, &queues);
+    const auto owner = qScopeGuard([&] { cupsFreeDests(count, queues); });
+    tDebugPrint("Number of printers found in the system is %d\n", count);
     tDebugPrint("Model Name *** Is %s\n", UTF8String(g_ModelName).constData());
     // Doesn't stop at a match: the remaining queues are still examined and logged.
-    for (const cups_dest_t& queue : std::span(service.list, static_cast<std::size_t>(service.count))) {
-        examineQueue(queue.name, service);
+    for (const cups_dest_t& queue : std::span(queues, static_cast<std::size_t>(count))) {
+        examineQueue(queue.name, isSilent);
     }
     tDebugPrint("Return from CUPS Printer List\n");
 }
