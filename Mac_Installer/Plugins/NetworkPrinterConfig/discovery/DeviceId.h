@@ -11,7 +11,6 @@
 #include <optional>
 #include <span>
 
-inline constexpr std::size_t maximumReplySize = 1024;
 inline constexpr std::size_t deviceIdTextSize = 256;  ///< Including the terminating NUL.
 
 using DeviceIdText = std::array<char, deviceIdTextSize>;

@@ -33,7 +33,7 @@ bool isReadableInTime(int descriptor) {
 /// Sends the device id request and waits up to one second for a datagram from any sender. Returns its size,
 /// or -1 with errno set.
 ssize_t askForDeviceId(in_addr responder, std::span<char> reply) {
-    const UdpSocket socket;
+    const Descriptor socket = openUdpSocket();
     sockaddr_in address = socketAddress(responder, snmpPort);
     socklen_t addressLength = sizeof(address);
     const timeval oneSecond{1, 0};

@@ -1,6 +1,5 @@
 #include "discovery/ProbeCollection.h"
 
-#include "discovery/DeviceId.h"
 #include "discovery/SnmpRequests.h"
 #include "discovery/UdpSocket.h"
 #include "handoff/DiagnosticLog.h"
@@ -14,8 +13,6 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
-#include <cstdio>
-#include <cstring>
 #include <memory>
 #include <thread>
 
@@ -94,7 +91,7 @@ void collectReplies(int descriptor, ResponderTable& responders, const std::stop_
 
 void probeFrom(in_addr local, ResponderTable& responders, const std::stop_token& leaving) {
     errno = 0;
-    const UdpSocket socket;
+    const Descriptor socket = openUdpSocket();
     tDebugPrint("**** %s\n", dottedDecimal(local).data());
     sendProbe(socket.descriptor(), local);
     collectReplies(socket.descriptor(), responders, leaving);
@@ -102,12 +99,6 @@ void probeFrom(in_addr local, ResponderTable& responders, const std::stop_token&
 }
 
 }  // namespace
-
-void reportFailedReceive() {
-    const int error = errno;
-    std::perror("recev");
-    tDebugPrint("Cant able to receive anything %s\n", std::strerror(error));
-}
 
 void collectResponders(ResponderTable& responders, const std::stop_token& leaving) {
     ifaddrs* list = nullptr;

@@ -35,9 +35,6 @@ struct ResponderTable {
     [[nodiscard]] bool isClosed() const { return count >= capacity || failures >= maximumFailures; }
 };
 
-/// Reports a failed receive, described by errno, on standard error and in the diagnostic log. Any thread.
-void reportFailedReceive();
-
 /// Sends the probes and fills `responders`. Blocks for at least Timeout per local address; each datagram
 /// restarts the wait. Ends within one Timeout after a stop request on `leaving`. If the interfaces can't be
 /// listed, nothing is sent or logged. Any thread, one call at a time.

@@ -1,7 +1,8 @@
-// IPv4 UDP sockets and their addresses.
+// IPv4 UDP sockets, their addresses, and the replies that they receive.
 
 #pragma once
 
+#include "handoff/DiagnosticLog.h"
 #include "platform/Descriptor.h"
 
 #include <arpa/inet.h>
@@ -9,12 +10,24 @@
 #include <sys/socket.h>
 
 #include <array>
+#include <cerrno>
 #include <cstdint>
+#include <cstdio>
+#include <cstring>
+
+inline constexpr std::size_t maximumReplySize = 1024;
 
 /// If the socket can't be opened the descriptor is -1, and every call on it fails.
-struct UdpSocket : Descriptor {
-    UdpSocket() : Descriptor(::socket(AF_INET, SOCK_DGRAM, IPPROTO_UDP)) {}
-};
+[[nodiscard]] inline Descriptor openUdpSocket() {
+    return Descriptor(::socket(AF_INET, SOCK_DGRAM, IPPROTO_UDP));
+}
+
+/// Reports a failed receive, described by errno, on standard error and in the diagnostic log.
+inline void reportFailedReceive() {
+    const int error = errno;
+    std::perror("recev");
+    tDebugPrint("Cant able to receive anything %s\n", std::strerror(error));
+}
 
 /// Builds a socket address; `port` in host byte order.
 [[nodiscard]] inline sockaddr_in socketAddress(in_addr address, std::uint16_t port) {
