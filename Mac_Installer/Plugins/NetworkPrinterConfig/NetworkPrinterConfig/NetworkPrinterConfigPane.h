@@ -143,7 +143,6 @@ class NetworkPrinterConfigPane : public InstallerPane {
 
     // Selection
     void startDiscovery();
-    void finishWithoutSearch();
     [[nodiscard]] bool changeControls(const std::function<void()>& changes);
     void showSearching();
     void fillList(const QStringList& lines);

@@ -83,16 +83,12 @@ void NetworkPrinterConfigPane::startDiscovery() {
         discoveryThread_ = std::jthread(&NetworkPrinterConfigPane::GetPrinterIPThread, this);
     } catch (const std::system_error& error) {
         systemLog(u"The search for printers can't be started: %@", {QString::fromLocal8Bit(error.what())});
-        finishWithoutSearch();
+        // As after a search that found nothing; the user can still type an address.
+        resetPrinterList();
+        showSearching();
+        fillList(listLines([](const QString& /*entry*/) {}));
+        allowChoosing();
     }
-}
-
-/// Shows the result of a search that found nothing; the user can still type an address.
-void NetworkPrinterConfigPane::finishWithoutSearch() {
-    resetPrinterList();
-    showSearching();
-    fillList(listLines([](const QString& /*entry*/) {}));
-    allowChoosing();
 }
 
 /// Runs a group of control changes on the main thread, in one repaint, and waits for it. False if the page is
