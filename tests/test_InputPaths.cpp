@@ -7,6 +7,7 @@
 #include "Installer/InstallerWindow.h"
 #include "Installer/IntroductionPane.h"
 #include "Installer/SummaryPane.h"
+#include "InstallerPlugins/ButtonActions.h"
 #include "NetworkPrinterConfig/Beep.h"
 #include "NetworkPrinterConfig/NetworkPrinterConfigPane.h"
 #include "discovery/InstalledPrinters.h"
@@ -443,6 +444,7 @@ class TestInputPaths : public QObject {
 
   private slots:
     void inputsTakeFullEffectOrNone() {
+        makeButtonsImmediate();
         QApplication::setDoubleClickInterval(doubleClickInterval);
         if (!qEnvironmentVariableIsSet("RC_PARAMS")) {
             qputenv("RC_PARAMS", "max_success=250");  // About 7,000 inputs.

@@ -8,6 +8,7 @@
 #include "Installer/PluginLoader.h"
 #include "Installer/SummaryPane.h"
 #include "Installer/TerminationSignals.h"
+#include "InstallerPlugins/ButtonActions.h"
 
 #include <QApplication>
 #include <QByteArrayList>
@@ -85,6 +86,7 @@ int runInstaller(InstallerRun& run, const QString& pluginFolder, const QString& 
     if (!problem.isNull()) {
         printMessage(problem);
     }
+    makeButtonsImmediate();
     const LoadedPages loaded = loadPages(pluginFolder, qApp);
     for (const QString& line : loaded.problems) {
         printMessage(line);

@@ -10,8 +10,6 @@
 #include <QStyle>
 #include <QStyleOptionButton>
 
-#include <utility>
-
 namespace {
 
 class MnemonicFilter : public QObject {
@@ -130,9 +128,6 @@ bool isOperable(const QWidget* widget) {
 void makeButtonsImmediate() {
     // Not per button: with an active accessibility bus, Qt requests the interface while the button is being
     // constructed.
-    static bool isDone = false;
-    if (!std::exchange(isDone, true)) {
-        QCoreApplication::instance()->installEventFilter(new MnemonicFilter(QCoreApplication::instance()));
-        QAccessible::installFactory(makeInterface);
-    }
+    QCoreApplication::instance()->installEventFilter(new MnemonicFilter(QCoreApplication::instance()));
+    QAccessible::installFactory(makeInterface);
 }

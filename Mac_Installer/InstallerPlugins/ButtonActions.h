@@ -12,6 +12,6 @@
 [[nodiscard]] INSTALLERPLUGINS_EXPORT bool isOperable(const QWidget* widget);
 
 /// From now on, all push buttons and radio buttons of the application react to mnemonics and assistive
-/// actions immediately, or ignore them while not operable. Called by the first InstallerPane; further calls
-/// have no effect. Main thread.
-void makeButtonsImmediate();
+/// actions immediately, or ignore them while not operable. Called once, before any button is created. Main
+/// thread.
+INSTALLERPLUGINS_EXPORT void makeButtonsImmediate();

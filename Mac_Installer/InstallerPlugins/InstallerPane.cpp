@@ -1,11 +1,5 @@
 #include "InstallerPlugins/InstallerPane.h"
 
-#include "InstallerPlugins/ButtonActions.h"
-
-InstallerPane::InstallerPane(QObject* parent) : QObject(parent) {
-    makeButtonsImmediate();
-}
-
 InstallerPane::~InstallerPane() {
     delete contentWidget_;
 }

@@ -31,8 +31,7 @@ class INSTALLERPLUGINS_EXPORT InstallerPane : public QObject {
     Q_OBJECT
 
   public:
-    /// The first page constructed makes the application's buttons act immediately (ButtonActions.h).
-    explicit InstallerPane(QObject* parent = nullptr);
+    using QObject::QObject;
     ~InstallerPane() override;
 
     /// The page's name in the list of steps and above the page, in the user's language. May be called at any
