@@ -73,7 +73,7 @@ def virtual_printers(folder, count):
     listing = folder / "printers"
     listing.write_text("".join(f"127.0.{2 + number // 200}.{1 + number % 200} answers {DEVICE_ID % number}\n"
                                for number in range(count)))
-    return background([BIN / "virtual-printers", listing], None, "ready")
+    return background([TOP / "tools/virtual-printers", listing], None, "ready")
 
 
 def google_benchmark(folder, name, repetitions, wrapper=(), **more):

@@ -136,7 +136,7 @@ class SpawnedProgram {
 struct VirtualPrinters : SpawnedProgram {
     /// `lines` as in the tool's list file. Returns when all printers listen.
     explicit VirtualPrinters(const QStringList& lines)
-        : SpawnedProgram(QStringLiteral(QUAZEL_BIN_DIR "/virtual-printers /dev/stdin <<'END'\n") +
+        : SpawnedProgram(QStringLiteral(QUAZEL_SOURCE_DIR "/tools/virtual-printers /dev/stdin <<'END'\n") +
                          lines.join(u'\n') + u"\nEND"_s) {
         if (readLine() != "ready\n") {
             qFatal("virtual-printers does not start");
