@@ -4,7 +4,7 @@
 walk_installer.py COMMAND [ARG...]
 
 Runs the installer COMMAND four times: with the mouse, with the keyboard alone, closed during the search, and with
-assistive actions; without an X display only the last. Runs inside "pretend-network" and "desktop". Writes pictures,
+assistive actions; without an X display only the last. Runs inside "environment" and "desktop". Writes pictures,
 logs and hand-off files to the home folder. Exit status 1 if a step failed.
 """
 
