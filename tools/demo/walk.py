@@ -52,18 +52,11 @@ def run(*command):
 
 
 class Walk:
-    """A running program and operations on its window. Kills it at the end of the "with" block."""
+    """A running program, which ends with this process at the latest, and operations on its window."""
 
     def __init__(self, command, output):
         self.process = subprocess.Popen(["setpriv", "--pdeathsig", "KILL", "--", *command],
                                         stdout=output, stderr=subprocess.STDOUT)
-
-    def __enter__(self):
-        return self
-
-    def __exit__(self, *exception):
-        self.process.kill()
-        self.process.wait()
 
     def application(self):
         """The program's root node, or None if it is not there yet."""
@@ -134,9 +127,9 @@ class Walk:
         return run("import", "-window", "root", "-crop", f"{width}x{height}+{x}+{y}", "+repage", "-depth", "8", "rgb:-")
 
     @staticmethod
-    def picture(file):
-        """Saves the screen, without the empty area around the windows."""
-        run("import", "-quiet", "-window", "root", "-trim", "+repage", str(file))
+    def picture(title):
+        """Saves the screen to the home folder, without the empty area around the windows."""
+        run("import", "-quiet", "-window", "root", "-trim", "+repage", os.path.expanduser(f"~/{title}.png"))
 
     def click(self, node):
         """Clicks the middle of the node once it is enabled and has stopped moving."""

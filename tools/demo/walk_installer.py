@@ -22,10 +22,8 @@ from walk import SCALE, Atspi, Walk, has, name, run, text
 
 WINDOW = "Install the Tovik KV Printer Driver"
 INTRODUCTION, CONNECTION, INSTALLATION, SUMMARY = "Introduction", "Printer Connection", "Installation", "Summary"
-CONTINUE, BACK, CLOSE = "Continue", "Go Back", "Close"
-TRY_AGAIN, SHOW_DETAILS = "Try Again", "Show Details"
+CONTINUE, BACK = "Continue", "Go Back"
 FORWARD_KEY = "alt+c"  # of Continue and of Close
-ADDRESS_KEY = "alt+a"
 DIRECTLY, NETWORK = "Directly to this computer", "Over the network"
 # Roles of which the page has one each.
 LIST, ADDRESS, ACTIVITY = "combo box", "text", "progress bar"
@@ -78,9 +76,6 @@ class Installer(Walk):
             self.click(self.button(CONTINUE))
         self.find("label", heading)
         time.sleep(PRESS_PAUSE)
-
-    def picture(self, title):
-        super().picture(HOME / f"{title}.png")
 
     def expect_search(self):
         """Checks that the progress bar moves and Continue is disabled."""
@@ -163,12 +158,6 @@ def queue_of(model, address):
     return f"Tovik-{model}-Ethernet-Printer-IP={address}"
 
 
-def expect_queue(model, address):
-    queues = run("lpstat", "-v").decode()
-    assert f"device for {queue_of(model, address)}: socket://{address}\n" in queues, f"lpstat -v prints {queues}"
-    print(f"ok  lpstat -v has the print queue {queue_of(model, address)}")
-
-
 def expect_printed(model, address):
     """Prints a raw job, and plays the printer that receives it."""
     job = bytes(range(256)) * 400
@@ -224,7 +213,6 @@ def with_the_mouse(user):
     user.expect_handed_over(CHOSEN, PRINTERS[CHOSEN], "This network printer is ready to print")
     user.picture("summary")
     print(f'ok  another printer is accepted; handed over: "{HAND_OFF.read_text()}"')
-    expect_queue(CHOSEN, PRINTERS[CHOSEN])
     expect_printed(CHOSEN, PRINTERS[CHOSEN])
 
     for heading in INSTALLATION, CONNECTION:
@@ -271,7 +259,7 @@ def with_the_keyboard(user):
     user.find("label", CONNECTION)
     print("ok  keyboard alone: an invalid address is refused and cleared")
 
-    user.key(ADDRESS_KEY)
+    user.key("alt+a")
     user.wait_state(address, "focused")
     user.type(UNKNOWN_ADDRESS + "x")  # The letter is rejected.
     user.wait_for(lambda: text(address) == UNKNOWN_ADDRESS, f"{UNKNOWN_ADDRESS} typed")
@@ -282,7 +270,7 @@ def with_the_keyboard(user):
     user.go_on(INSTALLATION, FORWARD_KEY)
     user.wait_installation(NO_DRIVER)
     user.picture("failed")
-    user.wait_state(user.button(TRY_AGAIN), "focused")
+    user.wait_state(user.button("Try Again"), "focused")
     runs = user.output().count(NO_DRIVER)
     user.key("Return")
     user.wait_for(lambda: user.output().count(NO_DRIVER) > runs, "the step to run again")
@@ -327,7 +315,6 @@ def with_assistive_actions(user):
     user.act(user.button(CONTINUE))
     user.find("label", SUMMARY)
     user.expect_handed_over(CHOSEN, UNKNOWN_ADDRESS, "This network printer is ready to print")
-    expect_queue(CHOSEN, UNKNOWN_ADDRESS)
     expect_printed(CHOSEN, UNKNOWN_ADDRESS)
     print(f'ok  assistive actions alone, on {os.environ["XDG_SESSION_TYPE"]}: "{HAND_OFF.read_text()}"')
 
@@ -343,12 +330,12 @@ def with_assistive_actions(user):
     user.wait_state(user.choice(MODELS[-1]), "checked")
     user.act(user.button(CONTINUE))
     user.wait_installation(NO_DRIVER)
-    user.act(user.button(SHOW_DETAILS))
+    user.act(user.button("Show Details"))
     user.find("text", "Details")
     user.act(user.button(CONTINUE))
     user.find("label", SUMMARY)
     user.expect_handed_over(MODELS[-1], UNKNOWN_ADDRESS, NO_DRIVER)
-    user.act(user.button(CLOSE))
+    user.act(user.button("Close"))
     user.expect_end()
     print(f"ok  assistive actions alone: refused now; without a driver, the {MODELS[-1]} is not set up")
 
@@ -359,7 +346,8 @@ def main():
     if "DISPLAY" in os.environ:
         walks = [with_the_mouse, with_the_keyboard, closed_during_the_search, *walks]
     for walk in walks:
-        with open(HOME / "output.txt", "ab") as output, Installer(sys.argv[1:], output) as user:
+        with open(HOME / "output.txt", "ab") as output:
+            user = Installer(sys.argv[1:], output)
             try:
                 walk(user)
             except Exception as error:
