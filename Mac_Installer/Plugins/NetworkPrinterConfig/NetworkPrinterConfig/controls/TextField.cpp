@@ -62,10 +62,6 @@ void TextField::setFormatter(QValidator* formatter) {
     guard_->formatter = formatter;
 }
 
-void TextField::setRejectionHint(const QString& text) {
-    hintText_ = text;
-}
-
 void TextField::showHint() {
     if (hintText_.isEmpty()) {
         return;
@@ -83,14 +79,20 @@ void TextField::hideHint() {
     }
 }
 
-void TextField::focusOutEvent(QFocusEvent* event) {
-    QLineEdit::focusOutEvent(event);
-    hideHint();
-}
-
-void TextField::resizeEvent(QResizeEvent* event) {
-    QLineEdit::resizeEvent(event);
-    hideHint();
+bool TextField::event(QEvent* event) {
+    switch (event->type()) {
+        case QEvent::ApplicationPaletteChange:
+            keepPlaceholderReadable();
+            break;
+        case QEvent::EnabledChange:
+        case QEvent::FocusOut:
+        case QEvent::Resize:
+            hideHint();
+            break;
+        default:
+            break;
+    }
+    return QLineEdit::event(event);
 }
 
 void TextField::followChange() {
@@ -146,15 +148,6 @@ void TextField::keyPressEvent(QKeyEvent* event) {
     } else {
         QLineEdit::keyPressEvent(event);
     }
-}
-
-void TextField::changeEvent(QEvent* event) {
-    if (event->type() == QEvent::ApplicationPaletteChange) {
-        keepPlaceholderReadable();
-    } else if (event->type() == QEvent::EnabledChange) {
-        hideHint();
-    }
-    QLineEdit::changeEvent(event);
 }
 
 /// Some desktops' dark palettes keep the placeholder colour of the light one.

@@ -34,7 +34,7 @@ class TextField : public QLineEdit {
 
     /// The text of the hint, which is shown once per edit that the formatter rejects, until the next change
     /// or until the field loses the focus, for ten seconds at most.
-    void setRejectionHint(const QString& text);
+    void setRejectionHint(const QString& text) { hintText_ = text; }
 
   signals:
     /// The user's first change since editing last ended. An edit without focus ends immediately.
@@ -42,11 +42,9 @@ class TextField : public QLineEdit {
     void didEndEditing();
 
   protected:
-    void changeEvent(QEvent* event) override;
-    void focusOutEvent(QFocusEvent* event) override;
+    bool event(QEvent* event) override;
     void inputMethodEvent(QInputMethodEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
 
   private:
     class Guard;
