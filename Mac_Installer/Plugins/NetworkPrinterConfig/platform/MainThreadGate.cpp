@@ -1,13 +1,6 @@
 #include "platform/MainThreadGate.h"
 
 #include <QMetaObject>
-#include <QObject>
-
-MainThreadGate::MainThreadGate() : receiver_(std::make_unique<QObject>()) {}
-
-MainThreadGate::~MainThreadGate() {
-    close();
-}
 
 bool MainThreadGate::runAndWait(const std::function<void()>& task) {
     std::unique_lock lock(mutex_);

@@ -7,20 +7,20 @@
 
 #pragma once
 
+#include <QObject>
+
 #include <condition_variable>
 #include <functional>
 #include <memory>
 #include <mutex>
 
-class QObject;
-
+/// Constructed on the main thread.
 class MainThreadGate {
   public:
-    /// Main thread, with a QCoreApplication.
-    MainThreadGate();
+    MainThreadGate() = default;
     MainThreadGate(const MainThreadGate&) = delete;
     MainThreadGate& operator=(const MainThreadGate&) = delete;
-    ~MainThreadGate();
+    ~MainThreadGate() { close(); }
 
     /// Runs `task` on the main thread and returns true once it has finished. Returns false if the gate is
     /// closed, or gets closed before the task starts; the task is then never run. One background thread at a
@@ -36,6 +36,6 @@ class MainThreadGate {
     // All guarded by mutex_.
     std::mutex mutex_;
     std::condition_variable changed_;
-    std::function<void()> pending_;      // empty: no thread waits
-    std::unique_ptr<QObject> receiver_;  // lives on the main thread; null once closed
+    std::function<void()> pending_;                                    // empty: no thread waits
+    std::unique_ptr<QObject> receiver_ = std::make_unique<QObject>();  // on the main thread; null once closed
 };
