@@ -115,14 +115,6 @@ void InstallerWindow::takeClick(const QPushButton* button, InstallerDirection di
     }
 }
 
-InstallerPane& InstallerWindow::currentPage() const {
-    return *pages_[static_cast<std::size_t>(current_)];
-}
-
-bool InstallerWindow::isLast() const {
-    return current_ + 1 == stack_->count();
-}
-
 void InstallerWindow::enter(int step, InstallerDirection direction) {
     current_ = step;
     steps_->setCurrentStep(step);

@@ -9,6 +9,7 @@
 
 #include <QDialog>
 
+#include <iterator>
 #include <memory>
 #include <vector>
 
@@ -36,8 +37,8 @@ class InstallerWindow : public QDialog {
     void takeClick(const QPushButton* button, InstallerDirection direction);
     void enter(int step, InstallerDirection direction);
     void updateButtons();
-    [[nodiscard]] bool isLast() const;
-    [[nodiscard]] InstallerPane& currentPage() const;
+    [[nodiscard]] bool isLast() const { return current_ + 1 == std::ssize(pages_); }
+    [[nodiscard]] InstallerPane& currentPage() const { return *pages_[static_cast<std::size_t>(current_)]; }
     void focusFirstControl();
 
     std::vector<std::unique_ptr<InstallerPane>> pages_;  // destroyed before the widgets, which they refer to
