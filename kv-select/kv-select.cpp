@@ -343,12 +343,10 @@ int main(int argc, char** argv) {
     parser.addHelpOption();
     parser.addVersionOption();
     const QCommandLineOption list(u"list"_s, u"Print the printers that respond, one per line."_s);
-    parser.addOption(list);
     const QCommandLineOption installing(u"install"_s, u"Then run the steps of the installation."_s);
-    parser.addOption(installing);
     const QCommandLineOption folder(u"steps"_s, u"With --install: run the steps in <folder>."_s, u"folder"_s,
                                     StepRunner::installedFolder());
-    parser.addOption(folder);
+    parser.addOptions({list, installing, folder});
     parser.addPositionalArgument(u"MODEL"_s, u"KV210, KV260, KV410 or KV460"_s, u"[MODEL"_s);
     parser.addPositionalArgument(u"ADDRESS"_s, u"IPv4 address"_s, u"[ADDRESS]]"_s);
     const bool isParsed = parser.parse(all);
