@@ -45,6 +45,8 @@ class TestNetworkPrinterConfigPane : public QObject {
     void init() {
         pane_ = std::make_unique<NetworkPrinterConfigPane>();
         pane_->awakeFromNib();
+        pane_->contentWidget()->show();
+        QVERIFY(QTest::qWaitForWindowActive(pane_->contentWidget()));
         (void)systemLog_->take();
     }
 
@@ -62,8 +64,6 @@ class TestNetworkPrinterConfigPane : public QObject {
     }
 
     void canBeDestroyedDuringAnEdit() {
-        pane_->contentWidget()->show();
-        QVERIFY(QTest::qWaitForWindowActive(pane_->contentWidget()));
         pane_->IPAddressText()->setFocus();
         QTest::keyClick(pane_->IPAddressText(), '1');
         pane_.reset();  // ASan reports an editingFinished that reaches the destroyed page.
@@ -110,8 +110,6 @@ class TestNetworkPrinterConfigPane : public QObject {
     void findsAndAnnouncesPrinters() {
         const VirtualPrinters printers({u"10.0.0.5 answers "_s + deviceId(u"TVK KV260"_s),
                                         u"10.0.0.7 twice "_s + deviceId(u"KV410N"_s)});
-        pane_->contentWidget()->show();
-        QVERIFY(QTest::qWaitForWindowActive(pane_->contentWidget()));
         RadioMatrix& types = *pane_->radiobtnPrinterType();
         types.selectCellAtRow(0, 0);
         types.cellAt(0, 0)->setFocus();
@@ -136,8 +134,6 @@ class TestNetworkPrinterConfigPane : public QObject {
 
     void hintsAtEachRejectedEdit() {
         TextField& field = *pane_->IPAddressText();
-        pane_->contentWidget()->show();
-        QVERIFY(QTest::qWaitForWindowActive(pane_->contentWidget()));
         pane_->PrinterIPInfoBox()->show();
         field.setEditable(true);
         field.setFocus();
@@ -156,8 +152,6 @@ class TestNetworkPrinterConfigPane : public QObject {
     }
 
     void focusFollowsTheSearchBehindAnotherWindow() {
-        pane_->contentWidget()->show();
-        QVERIFY(QTest::qWaitForWindowActive(pane_->contentWidget()));
         QTest::mouseClick(pane_->radiobtnPrinterType()->cellAt(1, 0), Qt::LeftButton, {}, QPoint(5, 5));
         QTRY_VERIFY(pane_->Progress()->hasFocus());
         QWidget other;
