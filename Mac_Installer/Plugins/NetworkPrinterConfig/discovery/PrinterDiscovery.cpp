@@ -12,7 +12,6 @@
 
 #include <array>
 #include <cerrno>
-#include <cstdio>
 #include <optional>
 
 std::shared_ptr<QStringList> g_PrinterList;
@@ -70,11 +69,9 @@ void addPrinterOfReply(std::span<const char> reply, in_addr responder) {
     if (!IsQuazel(info.szModel)) {
         return;
     }
-    std::array<char, 256> entryText{};
-    std::snprintf(entryText.data(), entryText.size(), "Tovik %s @%s\n", modelNameOfAcceptedText(info.szModel),
-                  dottedDecimal(responder).data());
     tDebugPrint("Response is %s\n", info.szModel);
-    const QString entry = QString::fromUtf8(entryText.data());
+    const QString entry = QString::asprintf("Tovik %s @%s\n", modelNameOfAcceptedText(info.szModel),
+                                            dottedDecimal(responder).data());
     if (!g_PrinterList->contains(entry)) {
         g_PrinterList->append(entry);
     }
