@@ -9,21 +9,6 @@
 #include <QFile>
 #include <QStringDecoder>
 
-namespace {
-
-/// Overwrites the file in place, unless the text is null or not ASCII. A failed write is ignored: the
-/// installation continues, and its later steps detect the missing line.
-void writeAsciiToFile(const QString& text, const QString& path) {
-    const QByteArray bytes = text.toUtf8();
-    QFile file(path);
-    // Unless all is ASCII, bytes and characters differ.
-    if (!text.isNull() && QLatin1String(bytes) == text && file.open(QIODevice::WriteOnly)) {
-        file.write(bytes);
-    }
-}
-
-}  // namespace
-
 /// Without a documents folder the path is "(null)/KV.txt", in the working directory.
 QString selectionFilePath() {
     return stringWithFormat(u"%@/KV.txt", {documentsDirectory()});
@@ -39,7 +24,14 @@ void writeToTextFile(const QString& line) {
     }
     systemLog(u"writeToTextFile");
     tDebugPrint("writeToTextFile %s\n", UTF8String(line).constData());
-    writeAsciiToFile(line, selectionFilePath());
+    const QByteArray bytes = line.toUtf8();
+    QFile file(selectionFilePath());
+    // Unless all is ASCII, bytes and characters differ. A failed write is ignored: the installation
+    // continues, and its later steps detect the missing line.
+    if (!line.isNull() && QLatin1String(bytes) == line && file.open(QIODevice::WriteOnly)) {
+        file.write(bytes);
+    }
+    file.close();
     systemLog(u"writeToTextFile end");
     tDebugPrint("writeToTextFile END\n");
 }
