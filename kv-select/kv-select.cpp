@@ -309,14 +309,14 @@ int install(const QStringList& steps) {
 
 int main(int argc, char** argv) {
     const QString noHome = findHomeFolder();
-    // Before the application object, as Qt may create a folder in TMPDIR as well. Static, as --help calls
+    // Before the application object, as Qt may create a folder in TMPDIR, too. Static, as --help calls
     // exit().
     static InstallerRun run;
     cleanUpOnSignals(run);
     ::openlog("kv-select", LOG_PID, LOG_USER);
     qInstallMessageHandler(logMessage);
-    (void)std::signal(SIGPIPE,
-                      SIG_IGN);  // A closed standard output is an error of print(), also before CUPS.
+    // A closed standard output is an error of print(), also before CUPS.
+    (void)std::signal(SIGPIPE, SIG_IGN);
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qunsetenv("QT_QPA_PLATFORMTHEME");  // A theme may need a display.
     QStringList all;
@@ -331,15 +331,13 @@ int main(int argc, char** argv) {
 
     QCommandLineParser parser;
     parser.setApplicationDescription(
-        u"Hands a Tovik KV card printer to its driver's installation, as quazel-installer does: the given "
-        u"one,\n"
-        "the only one of MODEL that responds to a search, or the only one that responds. Prints the line "
-        "that\n"
-        "was handed over. All of this is logged to QzInstall.log in the documents folder; an earlier log is\n"
-        "renamed with the date and time of its last record.\n\n"
-        "Exit status: 0 if a printer was handed over or listed, 1 if it was refused, 2 for wrong usage, 3 if "
-        "no\n"
-        "printer responded, or more than one, 4 if a step of the installation failed."_s);
+        uR"(Hands a Tovik KV card printer to its driver's installation, as quazel-installer does: the given one,
+the only one of MODEL that responds to a search, or the only one that responds. Prints the line that
+was handed over. All of this is logged to QzInstall.log in the documents folder; an earlier log is
+renamed with the date and time of its last record.
+
+Exit status: 0 if a printer was handed over or listed, 1 if it was refused, 2 for wrong usage, 3 if no
+printer responded, or more than one, 4 if a step of the installation failed.)"_s);
     parser.addHelpOption();
     parser.addVersionOption();
     const QCommandLineOption list(u"list"_s, u"Print the printers that respond, one per line."_s);
