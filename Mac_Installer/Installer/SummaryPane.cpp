@@ -7,8 +7,10 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
-SummaryPane::SummaryPane(const InstallationPane* installation, const QString& problem, QObject* parent)
-    : InstallerPane(parent), installation_(installation), problem_(problem) {
+#include <utility>
+
+SummaryPane::SummaryPane(const InstallationPane* installation, QString problem, QObject* parent)
+    : InstallerPane(parent), installation_(installation), problem_(std::move(problem)) {
     auto* const content = new QWidget;
     auto* const column = new QVBoxLayout(content);
     column->setContentsMargins(0, 0, 0, 0);

@@ -13,7 +13,7 @@ class SummaryPane : public InstallerPane {
   public:
     /// `installation` is the page before, or null if there is none; it must outlive this page's use.
     /// `problem` says why no choice can be saved, or is null.
-    explicit SummaryPane(const InstallationPane* installation, const QString& problem = {},
+    explicit SummaryPane(const InstallationPane* installation, QString problem = {},
                          QObject* parent = nullptr);
 
     [[nodiscard]] QString title() const override { return tr("Summary"); }
