@@ -24,6 +24,9 @@ class InstallerRun {
     /// lock can't be created, as in a read-only folder, there is none.
     [[nodiscard]] QString takeLock();
 
+    /// For an end without destructors.
+    void removeTemporaryFolder() { temporary_.remove(); }
+
     /// Empty without the lock.
     [[nodiscard]] QString lockFile() const { return lock_.isLocked() ? lock_.fileName() : QString(); }
     [[nodiscard]] QString temporaryFolder() const { return temporary_.path(); }

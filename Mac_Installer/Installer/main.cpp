@@ -41,6 +41,12 @@ void forwardMessage(QtMsgType type, const QMessageLogContext& /*context*/, const
     printMessage(message);
 }
 
+/// This process's run. Its destructor also runs when Qt calls exit(), for --help or if the display is closed.
+InstallerRun& installerRun() {
+    static InstallerRun run;
+    return run;
+}
+
 /// Qt's message handler until the display is open: QApplication describes over several lines why it can't
 /// open it, and aborts.
 void endWithoutDisplay(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
@@ -53,7 +59,8 @@ void endWithoutDisplay(QtMsgType type, const QMessageLogContext& /*context*/, co
                        "program in a desktop session")
             .arg(qEnvironmentVariable("DISPLAY"), qEnvironmentVariable("WAYLAND_DISPLAY"),
                  qEnvironmentVariable("QT_QPA_PLATFORM")));
-    std::exit(exitFailure);
+    installerRun().removeTemporaryFolder();
+    std::_Exit(exitFailure);  // Qt 6.8 reports a second error if the destructors run here.
 }
 
 /// --help and --version work without a display.
@@ -119,7 +126,7 @@ int runInstaller(InstallerRun& run, const QString& pluginFolder, const QString& 
 
 int main(int argc, char** argv) {
     const QString noHome = findHomeFolder();
-    static InstallerRun run;  // Qt calls exit() when the display is closed, and for --help.
+    InstallerRun& run = installerRun();
     ::openlog("quazel-installer", LOG_PID, LOG_USER);
     const std::unique_ptr<QCoreApplication> application = makeApplication(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("quazel-installer"));
