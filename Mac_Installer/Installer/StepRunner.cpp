@@ -20,8 +20,8 @@ namespace {
 constexpr std::chrono::seconds patience(5);  // between SIGTERM and SIGKILL
 constexpr qint64 longestLine = 4096;         // bytes; more are shown as another line
 
-/// In the child, between fork and exec: a session of its own, so that it has no terminal to ask on, and no
-/// signal that the installer ignores or blocks.
+/// In the child, between fork and exec: leaves the terminal, so that it can't ask there, and resets the
+/// signals that the installer ignores or blocks.
 void prepareChild() {
     ::setsid();
     for (int number = 1; number < NSIG; ++number) {
@@ -131,8 +131,8 @@ void StepRunner::readLines(bool isEnded) {
 /// `problem` is null for success; it is used if the step hasn't said why it failed.
 void StepRunner::endStep(const QString& problem) {
     if (group_ != 0) {
-        ::kill(static_cast<pid_t>(-group_),
-               SIGKILL);  // Processes left by the step would outlive the installer.
+        // Processes left by the step would outlive the installer.
+        ::kill(static_cast<pid_t>(-group_), SIGKILL);
         group_ = 0;
     }
     const QString& lastOutput = last_[QProcess::StandardOutput];

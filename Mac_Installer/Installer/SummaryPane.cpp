@@ -32,9 +32,8 @@ void SummaryPane::didEnterPane(InstallerDirection /*direction*/) {
     }
     if (!file.exists()) {
         text_->setText(
-            tr("No network printer was chosen. To add a printer that is connected directly to this computer, "
-               "use "
-               "the printer settings of your desktop."));
+            tr("No network printer was chosen. To add a printer that is connected directly to this "
+               "computer, use the printer settings of your desktop."));
         return;
     }
     constexpr qint64 longestLine = 64;
