@@ -2,8 +2,8 @@
 // types an address, and can continue once the choice is plausible. The choice is written to the hand-off file
 // (SelectionFile).
 //
-// One class in three source files: Lifecycle (construction, entering, destruction), Selection (discovery, the
-// list and its selection) and Exit (validation on Continue).
+// One class in four source files: Lifecycle (construction, entering, destruction), Search (discovery fills
+// the list), Selection (what the user chooses) and Exit (validation on Continue).
 //
 // Threads: everything runs on the main thread, except GetPrinterIPThread and GetPrinterIP, which run on the
 // discovery thread. They never touch a control directly: each group of control changes is run on the main
@@ -141,19 +141,25 @@ class NetworkPrinterConfigPane : public InstallerPane {
     void showAlert(const QString& informativeText);
     static void giveFocusTo(QWidget* control);
 
-    // Selection
+    // Search
+    /// The printer list as lines: its entries joined and split at line feeds, so the last line is empty.
+    /// Calls `visit` for each entry first, in order.
+    [[nodiscard]] static QStringList listLines(void (*visit)(const QString& entry));
     void startDiscovery();
     [[nodiscard]] bool changeControls(const std::function<void()>& changes);
     void showSearching();
     void fillList(const QStringList& lines);
     void allowChoosing();
+
+    // Selection
     void chooseModelColumn(int column);
 
     // Exit
     [[nodiscard]] bool mayGoForward();
     void selectPrinterModel(const QString& model);
-    [[nodiscard]] bool isAnythingGiven(const QString& item, const QString& address);
-    [[nodiscard]] bool isAddressValid(const QString& address);
+    /// Both show an alert if they return false.
+    [[nodiscard]] bool requireChoice(const QString& item, const QString& address);
+    [[nodiscard]] bool requireValidAddress(const QString& address);
     [[nodiscard]] bool commitListChoice(const QString& item, const QString& model);
     [[nodiscard]] bool commitTypedAddress(const QString& address, const QString& model, qint64 column);
     /// The records around the two steps of a commit, which show where the choice came from.

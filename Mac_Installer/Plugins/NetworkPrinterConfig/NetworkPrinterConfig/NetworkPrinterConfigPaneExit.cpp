@@ -6,7 +6,7 @@
 #include "NetworkPrinterConfig/IPAddressTextValidator.h"
 #include "NetworkPrinterConfig/NetworkPrinterConfigPane.h"
 #include "NetworkPrinterConfig/containsCategory.h"
-#include "NetworkPrinterConfig/controls/Messages.h"
+#include "NetworkPrinterConfig/controls/NullableControl.h"
 #include "discovery/InstalledPrinters.h"
 #include "discovery/ModelCatalog.h"
 #include "handoff/DiagnosticLog.h"
@@ -72,7 +72,7 @@ bool NetworkPrinterConfigPane::mayGoForward() {
     tDebugPrint("Line No %d\n", 989);
     tDebugPrint(" Value IP is Here %s\n", UTF8String(address).constData());
 
-    if (!isAnythingGiven(item, address) || !isAddressValid(address)) {
+    if (!requireChoice(item, address) || !requireValidAddress(address)) {
         return false;
     }
     if (!ValidateSelectedIPAndModel()) {
@@ -87,8 +87,8 @@ bool NetworkPrinterConfigPane::mayGoForward() {
     return commitTypedAddress(address, model, column);
 }
 
-/// Whether a printer was chosen from the list, or the address field is not empty.
-bool NetworkPrinterConfigPane::isAnythingGiven(const QString& item, const QString& address) {
+/// A printer must be chosen from the list, or the address field filled.
+bool NetworkPrinterConfigPane::requireChoice(const QString& item, const QString& address) {
     const bool isPrinterChosen = !item.isEmpty() && !isManualEntry(item);
     if (isPrinterChosen || !address.isEmpty()) {
         return true;
@@ -100,7 +100,7 @@ bool NetworkPrinterConfigPane::isAnythingGiven(const QString& item, const QStrin
     return false;
 }
 
-bool NetworkPrinterConfigPane::isAddressValid(const QString& address) {
+bool NetworkPrinterConfigPane::requireValidAddress(const QString& address) {
     tDebugPrint("Line No %d\n", 1014);
     if (IPAddressTextValidator().validate(address)) {
         return true;

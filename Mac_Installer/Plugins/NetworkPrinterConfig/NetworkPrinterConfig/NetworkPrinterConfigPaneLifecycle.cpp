@@ -3,7 +3,7 @@
 #include "NetworkPrinterConfig/NetworkPrinterConfigPane.h"
 #include "NetworkPrinterConfig/OnlyIntegerValueFormatter.h"
 #include "NetworkPrinterConfig/Translations.h"
-#include "NetworkPrinterConfig/controls/Messages.h"
+#include "NetworkPrinterConfig/controls/NullableControl.h"
 #include "discovery/ModelCatalog.h"
 #include "handoff/DiagnosticLog.h"
 #include "ui_NetworkPrinterConfigPane.h"
