@@ -106,9 +106,9 @@ int print(const QStringList& lines) {
     return exitRefused;
 }
 
-/// Writes what the search prints: one line for each printer that responds, including other manufacturers'.
-/// The model text in it comes from the network, and a terminal interprets control characters, so bytes other
-/// than printable ASCII are written as "\xHH". `terminal` is a FILE*, or null to discard.
+/// Writes what the search prints: a line with the model text of each device ID, including other
+/// manufacturers', and errors. The text comes from the network, and a terminal interprets control characters,
+/// so bytes other than printable ASCII are written as "\xHH". `terminal` is a FILE*, or null to discard.
 ssize_t writePrintable(void* terminal, const char* line, std::size_t size) {
     QByteArray shown;
     for (std::size_t index = 0; index < size; ++index) {
@@ -161,6 +161,12 @@ struct Printer {
     QString address;
 };
 
+void complainNotFound(const QString& what) {
+    complain(
+        u"no %1 found; switch it on and connect it to this network, or use kv-select MODEL ADDRESS"_s.arg(
+            what));
+}
+
 int listPrinters() {
     runSearch([] { GetTovikQuazelPrinters(); });
     QStringList printers;
@@ -168,7 +174,7 @@ int listPrinters() {
         printers += Printer(item).text();
     }
     if (printers.isEmpty()) {
-        complain(u"no printer responded"_s);
+        complainNotFound(u"KV printer"_s);
         return exitNoneOrSeveral;
     }
     return print(printers);
@@ -232,8 +238,7 @@ bool choosePrinter(NetworkPrinterConfigPane& page, const QString& model, const Q
         return true;
     }
     if (matching.isEmpty()) {
-        complain(u"no %1 responded; for one on another network, use kv-select MODEL ADDRESS"_s.arg(
-            model.isEmpty() ? u"printer"_s : model));
+        complainNotFound(model.isEmpty() ? u"KV printer"_s : model);
     } else {
         complain(u"more than one printer responded; use kv-select MODEL ADDRESS:\n"_s + matching.join(u'\n'));
     }
@@ -337,7 +342,7 @@ was handed over. All of this is logged to QzInstall.log in the documents folder;
 renamed with the date and time of its last record.
 
 Exit status: 0 if a printer was handed over or listed, 1 if it was refused, 2 for wrong usage, 3 if no
-printer responded, or more than one, 4 if a step of the installation failed.)"_s);
+printer was found, or more than one, 4 if a step of the installation failed.)"_s);
     parser.addHelpOption();
     parser.addVersionOption();
     const QCommandLineOption list(u"list"_s, u"Print the printers that respond, one per line."_s);

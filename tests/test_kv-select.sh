@@ -40,7 +40,10 @@ expect 0 '[2||kv-select: unknown model "kv260"; see --help|old!' run kv260
 expect 0 '[2||kv-select: "10.0.0.256" is not an IPv4 address; see --help|old!' run KV260 10.0.0.256
 expect 0 '[2||kv-select: too many arguments; see --help|old!' run --list KV260
 add_host 2 $'LP\e[1m'
-expect 1 '[3||kv-select: no printer responded; for one on another network, use kv-select MODEL ADDRESS|' run
+not_found='found; switch it on and connect it to this network, or use kv-select MODEL ADDRESS|'
+expect 1 "[3||kv-select: no KV printer $not_found" run
+expect 1 "[3||kv-select: no KV410 $not_found" run KV410
+expect 0 "[3||kv-select: no KV printer ${not_found}old!" run --list
 add_host 3 'TVK KV260N'
 expect 0 '[0|KV260 10.0.0.3||KV260 10.0.0.3!' run
 for number in 4 5; do add_host $number KV460; done
@@ -51,7 +54,7 @@ expect 1 '[1||kv-select: Selected Printer model is KV260|' run KV410 010.0.0.03
 SUDO_USER=alice expect 0 "[0|KV410 192.168.1.40|kv-select: warning: under sudo, $documents/KV.txt will belong to root; to \
 hand over as alice, run kv-select without sudo|KV410 192.168.1.40!" run KV410 192.168.1.40
 expect 0 'shouldExitPane  :: Return' tail -n 1 "$documents/QzInstall.log"
-expect 0 '' ls "$documents/QzInstall-2023-11-04-080500-7.log"  # The search has run seven times.
+expect 0 '' ls "$documents/QzInstall-2023-11-04-080500-9.log"  # The search has run nine times.
 expect 1 "can't write to standard output" eval '"$program" KV260 >/dev/full'
 expect 2 'No such file' ls "$documents/KV.txt"
 
