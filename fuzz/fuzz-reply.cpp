@@ -1,4 +1,4 @@
-// Fuzzes replies to the device id request: a reply is never read past its end and adds at most one
+// Fuzzes replies to the device ID request: a reply is never read past its end and adds at most one
 // well-formed entry per address to the list.
 
 #include "discovery/PrinterDiscovery.h"

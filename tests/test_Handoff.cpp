@@ -50,7 +50,7 @@ class TestHandoff : public QObject {
         QFile::remove(file_);
     }
 
-    /// Writes two records over an old log: "A" without a line end, and one with arguments.
+    /// Writes two records over an old log: "A" without a newline, and one with arguments.
     void writesRecords() {
         const QByteArray a = QUAZEL_BUILD_DATE "\tA";
         const QByteArray b = QUAZEL_BUILD_DATE "\t100%s \xc3\xbc 7\n";

@@ -1,6 +1,6 @@
 // Model-based test of all input paths: every input takes full effect or none. Sends random sequences of
-// inputs by mouse, keys, mnemonics, wheel, drop, input method and assistive programs to the real window and
-// page.
+// inputs by mouse, keys, mnemonics, wheel, drop, input method and assistive technology to the real window
+// and page.
 //
 // RC_PARAMS="max_success=1000 max_size=200" runs more sequences; "reproduce=..." repeats a failure.
 

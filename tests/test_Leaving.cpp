@@ -20,7 +20,7 @@ namespace {
 const QString firstTask = u"\tGetPrinterIP\n"_s;  // Before the search; a task is waiting.
 const QString search = u"\tBefore GetTovikQuazelPrinters\n"_s;
 const QString firstProbe = u"\t**** 127.0.0.1\n"_s;             // While replies are collected.
-const QString firstRequest = u"\tIP address is: 10.0.0.9\n"_s;  // While waiting for a device id.
+const QString firstRequest = u"\tIP address is: 10.0.0.9\n"_s;  // While waiting for a device ID.
 const QString lastTask = u"\tFound an Item: "_s;                // After the search; a task is waiting.
 
 extern "C" [[gnu::weak]] std::size_t __sanitizer_get_current_allocated_bytes();

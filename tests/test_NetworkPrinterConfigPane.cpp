@@ -106,7 +106,7 @@ class TestNetworkPrinterConfigPane : public QObject {
         QVERIFY(pane_->shouldExitPane(InstallerDirectionForward));
     }
 
-    /// Also checks the announcements to assistive programs, and the tab order.
+    /// Also checks the announcements to assistive technology, and the tab order.
     void findsAndAnnouncesPrinters() {
         const VirtualPrinters printers({u"10.0.0.5 answers "_s + deviceId(u"TVK KV260"_s),
                                         u"10.0.0.7 twice "_s + deviceId(u"KV410N"_s)});

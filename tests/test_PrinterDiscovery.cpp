@@ -1,4 +1,4 @@
-// Parsing of device ids, and whole runs of discovery: requests, results and log. A run ends in bounded time
+// Parsing of device IDs, and whole runs of discovery: requests, results and log. A run ends in bounded time
 // with correct results, even on a hostile network or when system calls fail.
 
 #include "discovery/DeviceId.h"
@@ -107,12 +107,12 @@ const QByteArray probe = "302402010004067075626c6963a117020101020100020100300c30
 const QByteArray deviceIdRequest =
     "302d02010004067075626c6963a02002010202010002010030153013060f2b06010401950b01020102010103010500";
 
-/// A printer that replies to the device id request with these bytes.
+/// A printer that replies to the device ID request with these bytes.
 QString raw(int host, const QByteArray& reply) {
     return u"10.0.0.%1 raw "_s.arg(host) + QString::fromLatin1(reply.toHex());
 }
 
-/// The records of a device id request.
+/// The records of a device ID request.
 QString queried(int host, const QString& outcome = {}) {
     return u"Waiting for receive from 2@@@ |IP address is: 10.0.0.%1|"_s.arg(host) + outcome;
 }
@@ -163,7 +163,7 @@ class TestPrinterDiscovery : public QObject {
             u"10.0.0.2 twice "_s + deviceId(u"KV210"_s),
             u"10.0.0.3 answers MFG:Other;CMD:X;MDL:LP1;CLS:PRINTER;DES:x;SERN:1"_s,
             u"10.0.0.5 late 300 "_s + deviceId(u"KV460N"_s),
-            // The manufacturer must not be used as a format; its line feed splits a record.
+            // The manufacturer must not be used as a format; its newline splits a record.
             raw(6, "MFG:100%n%s\nvik;CMD:X;MDL:KV410;CLS:P;DES:d;SERN:1"),
             raw(7, QByteArray(1024 - id.size(), '\0') + id + "xxx"),
         });

@@ -16,7 +16,7 @@ class PressGuard : public QObject {
     /// Whether the press that caused the current click counts. It doesn't if it follows the last press that
     /// counted within the double-click interval, 500 ms at most, and comes from the same key, or if both are
     /// mouse presses. Compares the timestamps of the input events, so it also works for presses queued while
-    /// a page was busy. Presses by assistive programs have no timestamp and always count. Main thread; call
+    /// a page was busy. Presses by assistive technology have no timestamp and always count. Main thread; call
     /// once per click.
     [[nodiscard]] bool takePress();
 

@@ -1,7 +1,7 @@
 // Makes push buttons and radio buttons in the window and its pages act immediately or not at all.
 //
 // Qt delays the click of a mnemonic or an assistive "Press" by 100 ms, and clicks even if the button has been
-// disabled or hidden meanwhile. It also lets assistive programs operate a window behind a modal alert.
+// disabled or hidden meanwhile. It also lets assistive technology operate a window behind a modal alert.
 
 #pragma once
 

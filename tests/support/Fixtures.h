@@ -77,7 +77,7 @@ inline void writeFile(const QString& path, const QByteArray& content) {
     QString text = u'\n' + QString::fromUtf8(contentOf(home.log()));
     text.replace(u"\n" QUAZEL_BUILD_DATE "\t"_s, u"\n"_s);
     QFile::remove(home.log());
-    text.chop(text.endsWith(u'\n') ? 1 : 0);  // The line end of the last record.
+    text.chop(text.endsWith(u'\n') ? 1 : 0);  // The newline of the last record.
     return text.split(u'\n').mid(1);
 }
 
@@ -144,7 +144,7 @@ struct VirtualPrinters : SpawnedProgram {
     }
 };
 
-/// A complete device id with the given model text.
+/// A complete device ID with the given model text.
 [[nodiscard]] inline QString deviceId(const QString& model) {
     return u"MFG:Tovik;CMD:X;MDL:%1;CLS:PRINTER;DES:card printer;SERN:A1"_s.arg(model);
 }

@@ -50,7 +50,7 @@ struct PageModel {
         return text;
     }
 
-    /// A press by a key, by the mouse (Key_unknown) or by an assistive program (no key).
+    /// A press by a key, by the mouse (Key_unknown) or by assistive technology (no key).
     void press(Button button, std::optional<Qt::Key> key = {}) {
         const bool isModel = button >= Kv210 && button <= Kv460;
         if (isModel && isFormShown() && areModelsEnabled) {

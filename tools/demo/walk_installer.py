@@ -135,7 +135,7 @@ class Installer(Walk):
         assert not self.find_all(ACTIVITY), "the progress bar is still visible after the installation"
 
     def expect_handed_over(self, model, address, result):
-        """Checks the summary and the hand-off file, which has no line end."""
+        """Checks the summary and the hand-off file, which has no newline."""
         shown = self.labels()
         assert result in shown, f"the summary does not say {result!r}"
         assert re.search(rf"^Model:\s+{model}\s+Address:\s+{re.escape(address)}$", shown, re.MULTILINE), \
@@ -357,7 +357,7 @@ def main():
             finally:
                 # The next start removes the hand-off file and the log.
                 shutil.copytree(HOME / "Documents", HOME / walk.__name__)
-    # Qt 6.8 warns if an assistive program requests a destroyed widget ("could not find accessible").
+    # Qt 6.8 warns if assistive technology requests a destroyed widget ("could not find accessible").
     printed = (HOME / "output.txt").read_text(errors="replace")
     warnings = re.findall(r"^.*(?:\bqt\.|QObject|support|fail|could not (?!find accessible)|warning).*$", printed,
                           re.IGNORECASE | re.MULTILINE)

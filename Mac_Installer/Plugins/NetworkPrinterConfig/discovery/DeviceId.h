@@ -1,4 +1,4 @@
-// The IEEE 1284 device id in a printer's SNMP reply. The reply is not decoded as BER: the text is located by
+// The IEEE 1284 device ID in a printer's SNMP reply. The reply is not decoded as BER: the text is located by
 // its first key, "MFG:", and parsed with a fixed format that requires the keys in exactly that order.
 //
 // Limits: replies of at most 1024 bytes; texts over 255 bytes are ignored; each field is truncated to its
@@ -15,7 +15,7 @@ inline constexpr std::size_t deviceIdTextSize = 256;  ///< Including the termina
 
 using DeviceIdText = std::array<char, deviceIdTextSize>;
 
-/// The fields of a device id, NUL-terminated; empty if missing.
+/// The fields of a device ID, NUL-terminated; empty if missing.
 struct PrinterInfo {
     char szManufacturer[30];     ///< MFG
     char szPrinterCommands[20];  ///< CMD
@@ -30,6 +30,6 @@ static_assert(sizeof(PrinterInfo) == 206);
 /// doesn't fit. Any thread.
 [[nodiscard]] std::optional<DeviceIdText> findDeviceIdText(std::span<const char> reply);
 
-/// Parses a device id text. Parsing stops at the first key that is missing, out of order or without a value;
+/// Parses a device ID text. Parsing stops at the first key that is missing, out of order or without a value;
 /// the later fields stay empty. Any thread.
 [[nodiscard]] PrinterInfo parseDeviceId(const DeviceIdText& text);

@@ -29,7 +29,7 @@ bool isReadableInTime(int descriptor) {
     return ready > 0;
 }
 
-/// Sends the device id request and waits up to one second for a datagram from any sender. Returns its size,
+/// Sends the device ID request and waits up to one second for a datagram from any sender. Returns its size,
 /// or -1 with errno set.
 ssize_t askForDeviceId(in_addr responder, std::span<char> reply) {
     const Descriptor socket = openUdpSocket();

@@ -64,7 +64,7 @@ void receiveReply(int descriptor, ResponderTable& responders) {
         ++responders.failures;
         return;
     }
-    // Any sender counts as a responder; its device id is checked later.
+    // Any sender counts as a responder; its device ID is checked later.
     responders.entries[static_cast<std::size_t>(responders.count)].address = source.sin_addr;
     ++responders.count;
 }

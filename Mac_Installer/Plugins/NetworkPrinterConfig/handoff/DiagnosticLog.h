@@ -1,5 +1,5 @@
 // The diagnostic log: QzInstall.log in the user's documents folder, created anew by each process and kept
-// after it ends. A record is the build date, a tab and the message, which contains its own line end. There is
+// after it ends. A record is the build date, a tab and the message, which contains its own newline. There is
 // no time, thread or severity.
 //
 // The file is opened and closed for every record, so nothing is lost if the installer crashes.

@@ -24,7 +24,7 @@ class ComboBox : public QComboBox {
     /// The selected item's text, or null if none is selected.
     [[nodiscard]] QString objectValueOfSelectedItem() const { return currentText(); }
 
-    /// Does nothing while the list is not operable, as assistive programs may call it at any time.
+    /// Does nothing while the list is not operable, as assistive technology may call it at any time.
     void showPopup() override;
 
   signals:

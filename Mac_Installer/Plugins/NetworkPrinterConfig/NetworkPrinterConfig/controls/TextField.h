@@ -1,8 +1,8 @@
 // A line edit with a formatter and signals for the start and end of editing by the user.
 //
-// Every change not made by the program counts as an edit, whether by keys, paste, drop, input method or an
-// assistive program. The formatter checks the whole resulting text, and a rejected edit restores the old one
-// and shows a hint below the field, which screen readers announce. A field that is read-only, disabled,
+// Every change not made by the program counts as an edit, whether by keys, paste, drop, input method or
+// assistive technology. The formatter checks the whole resulting text, and a rejected edit restores the old
+// one and shows a hint below the field, which screen readers announce. A field that is read-only, disabled,
 // hidden or behind an alert does not change.
 
 #pragma once
