@@ -1,10 +1,9 @@
 // The contract for installer pages: what a page provides, and when the installer calls it.
 //
 // Order of calls, all on the main thread: awakeFromNib() once, by the plug-in's factory, when the controls
-// exist and are connected; title() and didEnterPane() each time the page is shown; then user input; and
-// shouldExitPane() when the user presses Continue or Go Back. The installer may destroy the page between any
-// two calls, even while the page's own threads are busy, but never during a call or from a signal of the
-// page.
+// exist; title() and didEnterPane() each time the page is shown; then user input; and shouldExitPane() when
+// the user presses Continue or Go Back. The installer may destroy the page between any two calls, even while
+// the page's own threads are busy, but never during a call or from a signal of the page.
 
 #pragma once
 
@@ -38,10 +37,10 @@ class INSTALLERPLUGINS_EXPORT InstallerPane : public QObject {
     /// time.
     [[nodiscard]] virtual QString title() const = 0;
 
-    /// Called when the controls exist and are connected. Does nothing; overrides must call it first.
+    /// Called when the controls exist. Does nothing; overrides must call it first.
     virtual void awakeFromNib() {}
 
-    /// Called when the page is on the screen. Does nothing by default.
+    /// Called when the page has become the current one. Does nothing by default.
     virtual void didEnterPane(InstallerDirection /*direction*/) {}
 
     /// Whether the user may leave the page. Before returning false, tell the user why. May block while a

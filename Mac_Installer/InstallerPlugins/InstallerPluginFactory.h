@@ -15,8 +15,8 @@ class InstallerPluginFactory {
   public:
     virtual ~InstallerPluginFactory() = default;
 
-    /// Creates the page as a child of `parent`, with its controls connected and awakeFromNib() called; null
-    /// on failure. Main thread; called once.
+    /// Creates the page as a child of `parent`, with awakeFromNib() called; null on failure. Main thread;
+    /// called once.
     [[nodiscard]] virtual InstallerPane* createPane(QObject* parent) = 0;
 };
 

@@ -1,8 +1,10 @@
+// The page's system beep.
+
 #pragma once
 
 #include <QApplication>
 
 #include <functional>
 
-/// The page's system beep, replaceable so that tests can count it. Main thread.
+/// Replaceable, so that tests can count it. Main thread.
 inline std::function<void()> beep = &QApplication::beep;

@@ -39,7 +39,7 @@ class NetworkPrinterConfigPane : public InstallerPane {
     Q_OBJECT
 
   public:
-    /// Creates the content widget and connects its controls; the caller then calls awakeFromNib().
+    /// Creates the content widget and connects its buttons; the caller then calls awakeFromNib().
     explicit NetworkPrinterConfigPane(QObject* parent = nullptr);
     NetworkPrinterConfigPane(const NetworkPrinterConfigPane&) = delete;
     NetworkPrinterConfigPane& operator=(const NetworkPrinterConfigPane&) = delete;
@@ -142,7 +142,7 @@ class NetworkPrinterConfigPane : public InstallerPane {
     static void giveFocusTo(QWidget* control);
 
     // Search
-    /// The printer list as lines: its entries joined and split at line feeds, so the last line is empty.
+    /// The printer list as lines: its entries joined and split at newlines, so the last line is empty.
     /// Calls `visit` for each entry first, in order.
     [[nodiscard]] static QStringList listLines(void (*visit)(const QString& entry));
     void startDiscovery();

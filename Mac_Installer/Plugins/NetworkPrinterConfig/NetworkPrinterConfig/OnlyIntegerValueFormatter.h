@@ -18,6 +18,6 @@ class OnlyIntegerValueFormatter : public QValidator {
     [[nodiscard]] bool isPartialStringValid(const QString& text, QString* newEditingString,
                                             QString* errorDescription) const;
 
-    /// QLineEdit calls this once per edit. Never returns Intermediate, which would suppress editingFinished.
+    /// TextField calls this once per edit. Never returns Intermediate, which would suppress editingFinished.
     State validate(QString& text, int& cursor) const override;
 };

@@ -1,3 +1,5 @@
+// Substring search in which nothing contains an empty text.
+
 #pragma once
 
 #include <QString>

@@ -2,8 +2,8 @@
 // PCFileName attribute of its PPD; its device URI and options are ignored.
 //
 // Calls to CUPS use the default server and are synchronous. A print service that doesn't respond within ten
-// seconds is treated as not running. libcups leaves a file in TMPDIR for each queue: a link to its PPD, or a
-// copy if the user may not read it.
+// seconds is treated as not running; docs/RELIABILITY.md lists where libcups waits longer. libcups leaves a
+// file in TMPDIR for each queue: a link to its PPD, or a copy if the user may not read it.
 
 #pragma once
 

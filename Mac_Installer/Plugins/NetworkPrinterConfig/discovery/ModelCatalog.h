@@ -1,4 +1,4 @@
-// The four models of the series, defined only here.
+// The four models of the series: the only table of them in C++.
 //
 // A row's index is also the column of the model's radio button on the page, so the order is fixed.
 

@@ -21,7 +21,7 @@ struct alignas(8) Responder {
 };
 
 /// The responders in order of arrival, one entry per datagram: a printer that replies twice, or to two local
-/// addresses, is listed twice.
+/// addresses, has two entries.
 struct ResponderTable {
     static constexpr std::int32_t capacity = 256;
     static constexpr std::int32_t maximumFailures = 256;

@@ -1,7 +1,7 @@
 // The hand-off to the later installation steps: KV.txt in the user's documents folder, one ASCII line without
-// a line end, such as "KV260 192.168.1.40": model name, one space, address as entered by the user.
+// a newline, such as "KV260 192.168.1.40": model name, one space, address as entered by the user.
 //
-// All functions run on the main thread and report errors only in the logs.
+// All functions run on the main thread. A failed write is not reported.
 
 #pragma once
 

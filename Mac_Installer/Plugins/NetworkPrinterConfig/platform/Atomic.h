@@ -1,9 +1,10 @@
+// A value of which each load and each store is atomic, such as a QPointer, which by itself is not.
+
 #pragma once
 
 #include <mutex>
 #include <utility>
 
-/// A value of which each load and each store is atomic, such as a QPointer, which by itself is not.
 template <class Value>
 class Atomic {
   public:

@@ -1,8 +1,9 @@
+// Owns a file descriptor, or -1 if it could not be opened.
+
 #pragma once
 
 #include <unistd.h>
 
-/// Owns a file descriptor, or -1 if it could not be opened.
 class Descriptor {
   public:
     explicit Descriptor(int descriptor) : descriptor_(descriptor) {}

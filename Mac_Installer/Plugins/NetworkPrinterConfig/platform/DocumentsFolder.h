@@ -1,7 +1,9 @@
+// The current user's documents folder according to the XDG user directories.
+
 #pragma once
 
 #include <QString>
 
-/// The current user's first documents folder according to the XDG user directories, or null if there is none.
-/// The folder need not exist. Looked up on every call. Any thread.
+/// The first such folder, which need not exist, or null if there is none. Looked up on every call. Any
+/// thread.
 [[nodiscard]] QString documentsDirectory();

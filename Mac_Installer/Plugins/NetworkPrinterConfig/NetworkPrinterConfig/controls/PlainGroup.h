@@ -1,8 +1,9 @@
+// A group box without frame and title, for content that has both.
+
 #pragma once
 
 #include <QGroupBox>
 
-/// A group box without frame and title, for content that has both.
 class PlainGroup : public QGroupBox {
   public:
     using QGroupBox::QGroupBox;

@@ -1,9 +1,10 @@
+// An indeterminate progress bar.
+
 #pragma once
 
 #include <QPointer>
 #include <QProgressBar>
 
-/// An indeterminate progress bar.
 class ProgressIndicator : public QProgressBar {
   public:
     explicit ProgressIndicator(QWidget* parent = nullptr) : QProgressBar(parent) {
