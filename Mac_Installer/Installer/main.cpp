@@ -134,8 +134,7 @@ int main(int argc, char** argv) {
     QGuiApplication::setDesktopFileName(QStringLiteral("com.tovik.quazel-installer"));
 
     QCommandLineParser parser;
-    parser.setApplicationDescription(
-        QCoreApplication::translate("main", "Installs the driver of the Tovik KV card printers."));
+    parser.setApplicationDescription(QCoreApplication::translate("main", "Sets up a Tovik KV card printer."));
     parser.addHelpOption();
     parser.addVersionOption();
     const QCommandLineOption plugins(
