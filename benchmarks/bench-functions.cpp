@@ -172,7 +172,7 @@ void check(benchmark::State& state) {
 }  // namespace
 
 /// Replaces the C library's, for both sides, to subtract the waits: the kernel may end a wait of one second a
-/// millisecond late, which is more than ten printers cost.
+/// millisecond late, which would hide the cost of a printer.
 // NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 extern "C" int select(int count, fd_set* read, fd_set* write, fd_set* except, timeval* wait) {
     static const auto original = reinterpret_cast<decltype(&select)>(::dlsym(RTLD_NEXT, "select"));
