@@ -1,7 +1,7 @@
 // kv-select: finds a printer and hands it over from a terminal. It operates the installer's page as a user
 // does, without a display, so that the search, the checks, the logs and the hand-off file are the page's own.
 
-#include "Installer/HandOffFolder.h"
+#include "Installer/HandOff.h"
 #include "Installer/InstallerRun.h"
 #include "Installer/StepRunner.h"
 #include "Installer/TerminationSignals.h"

@@ -187,7 +187,7 @@ struct Rig {
         seen.deSelect = page->g_deSelectCell();
         seen.selectedCell = page->g_SelectedCell();
         seen.file = QString::fromLatin1(contentOf(home.selectionFile()));
-        seen.summary = window.findChild<QLabel*>(u"summary"_s)->text().section(u"\n\n"_s, 1, 1);
+        seen.summary = window.findChild<QLabel*>(u"summary"_s)->accessibleDescription().section(u'\n', 0, 0);
         seen.effects = std::exchange(effects, {}) + takeLog(home);
         const bool isMixed =
             enabled.contains(seen.isSearching) || names.contains(u"Searching…"_s) != seen.isSearching ||
@@ -232,7 +232,8 @@ struct Rig {
     TextField* const field = page->IPAddressText();
     QAccessibleEditableTextInterface* const assistiveText =
         QAccessible::queryAccessibleInterface(field)->editableTextInterface();
-    InstallerWindow window{{new IntroductionPane(u"Problem"_s), page, new SummaryPane(nullptr)}};
+    InstallerWindow window{
+        {new IntroductionPane(u"Problem"_s), page, new SummaryPane(nullptr, HandOff({page}, {}))}};
     const QList<QAbstractButton*> buttons = window.findChildren<QAbstractButton*>();  // as in Button
     QStringList effects;  // records, alerts and beeps, in order
     int closedAlerts = 0;

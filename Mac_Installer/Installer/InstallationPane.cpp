@@ -1,8 +1,5 @@
 #include "Installer/InstallationPane.h"
 
-#include "Installer/HandOffFolder.h"
-
-#include <QFile>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPlainTextEdit>
@@ -21,9 +18,10 @@ bool hasFocusInWindow(const QWidget* widget) {
 
 }  // namespace
 
-InstallationPane::InstallationPane(QStringList steps, QObject* parent)
+InstallationPane::InstallationPane(QStringList steps, HandOff handOff, QObject* parent)
     : InstallerPane(parent),
       steps_(std::move(steps)),
+      handOff_(std::move(handOff)),
       status_(new QLabel),
       progress_(new QProgressBar),
       tryAgain_(new QPushButton(tr("Try &Again"))),
@@ -42,7 +40,6 @@ InstallationPane::InstallationPane(QStringList steps, QObject* parent)
     details_->setTabChangesFocus(true);
     details_->setMaximumBlockCount(1000);
     details_->setMinimumHeight(8 * details_->fontMetrics().lineSpacing());
-    toggle_->setAutoDefault(false);
 
     auto* const content = new QWidget;
     auto* const buttons = new QHBoxLayout;
@@ -80,7 +77,12 @@ void InstallationPane::run() {
     tryAgain_->hide();
     details_->clear();
     showState(tr("Setting up the printer ..."));
-    runner_.start(steps_, handOffFile());
+    const QString problem = handOff_.isChosen() ? handOff_.problem() : QString();
+    if (problem.isNull()) {
+        runner_.start(steps_, handOffFile());
+    } else {
+        showResult(false, problem);
+    }
 }
 
 void InstallationPane::setRunning(bool isRunning) {
@@ -106,10 +108,10 @@ void InstallationPane::showLine(const QString& line) {
 void InstallationPane::showResult(bool succeeded, const QString& message) {
     hasSucceeded_ = succeeded;
     message_ = message;
-    const QString state = !succeeded                     ? tr("The printer is not set up.")
-                          : QFile::exists(handOffFile()) ? tr("The printer is set up.")
-                                                         : tr("No network printer was chosen, so there is "
-                                                              "nothing to set up.");
+    const QString state = !succeeded            ? tr("The printer is not set up.")
+                          : handOff_.isChosen() ? tr("The printer is set up.")
+                                                : tr("No network printer was chosen, so there is "
+                                                     "nothing to set up.");
     showState((state + QStringLiteral("\n\n") + message).trimmed());
     const bool focusFollows = hasFocusInWindow(progress_);  // Unless the user has moved the focus meanwhile.
     setRunning(false);

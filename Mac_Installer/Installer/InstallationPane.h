@@ -1,10 +1,11 @@
 // The page that runs the steps of the installation when it is entered forwards, and shows their progress.
-// They also run if no network printer was chosen.
+// They also run if no network printer was chosen, but not if the choice couldn't be saved.
 //
 // Continue and Go Back are disabled meanwhile; after a failure, the user can also continue.
 
 #pragma once
 
+#include "Installer/HandOff.h"
 #include "Installer/StepRunner.h"
 #include "InstallerPlugins/InstallerPane.h"
 
@@ -18,7 +19,7 @@ class InstallationPane : public InstallerPane {
 
   public:
     /// `steps` are executables, as StepRunner::stepsIn returns them.
-    explicit InstallationPane(QStringList steps, QObject* parent = nullptr);
+    InstallationPane(QStringList steps, HandOff handOff, QObject* parent = nullptr);
 
     [[nodiscard]] QString title() const override { return tr("Installation"); }
     void didEnterPane(InstallerDirection direction) override;
@@ -36,6 +37,7 @@ class InstallationPane : public InstallerPane {
     void showDetails(bool isShown);
 
     QStringList steps_;
+    HandOff handOff_;
     bool hasSucceeded_ = false;
     QString message_;
     QLabel* status_;

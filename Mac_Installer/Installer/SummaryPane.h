@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "Installer/HandOff.h"
 #include "InstallerPlugins/InstallerPane.h"
 
 class InstallationPane;
@@ -12,15 +13,20 @@ class SummaryPane : public InstallerPane {
 
   public:
     /// `installation` is the page before, or null if there is none; it must outlive this page's use.
-    /// `problem` says why no choice can be saved, or is null.
-    explicit SummaryPane(const InstallationPane* installation, QString problem = {},
-                         QObject* parent = nullptr);
+    SummaryPane(const InstallationPane* installation, HandOff handOff, QObject* parent = nullptr);
 
     [[nodiscard]] QString title() const override { return tr("Summary"); }
     void didEnterPane(InstallerDirection direction) override;
 
   private:
+    void show(const QString& result, const QString& printer, const QString& details);
+
     const InstallationPane* installation_;
-    QString problem_;
-    QLabel* text_;  // child of the content widget
+    HandOff handOff_;
+    // Children of the content widget.
+    QLabel* result_;
+    QWidget* printer_;
+    QLabel* model_;
+    QLabel* address_;
+    QLabel* details_;
 };

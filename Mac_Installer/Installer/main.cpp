@@ -1,6 +1,6 @@
 // quazel-installer: loads the pages and shows the window.
 
-#include "Installer/HandOffFolder.h"
+#include "Installer/HandOff.h"
 #include "Installer/InstallationPane.h"
 #include "Installer/InstallerRun.h"
 #include "Installer/InstallerWindow.h"
@@ -103,6 +103,7 @@ int runInstaller(InstallerRun& run, const QString& pluginFolder, const QString& 
                          .arg(QDir(pluginFolder).absolutePath()));
         return exitFailure;
     }
+    const HandOff handOff(loaded.pages, problem);
     std::vector<InstallerPane*> pages{new IntroductionPane(problem, qApp)};
     pages.insert(pages.end(), loaded.pages.begin(), loaded.pages.end());
     if (!QDir(stepFolder).isReadable()) {
@@ -111,11 +112,11 @@ int runInstaller(InstallerRun& run, const QString& pluginFolder, const QString& 
     const QStringList steps = StepRunner::stepsIn(stepFolder);
     // An earlier choice in a folder that can't be written to must not be installed.
     auto* const installation =
-        steps.isEmpty() || !problem.isNull() ? nullptr : new InstallationPane(steps, qApp);
+        steps.isEmpty() || !problem.isNull() ? nullptr : new InstallationPane(steps, handOff, qApp);
     if (installation != nullptr) {
         pages.push_back(installation);
     }
-    pages.push_back(new SummaryPane(installation, problem, qApp));
+    pages.push_back(new SummaryPane(installation, handOff, qApp));
 
     InstallerWindow window(pages);
     window.show();

@@ -47,6 +47,10 @@ class INSTALLERPLUGINS_EXPORT InstallerPane : public QObject {
     /// modal alert is open. Returns true by default.
     [[nodiscard]] virtual bool shouldExitPane(InstallerDirection /*direction*/) { return true; }
 
+    /// Whether the user chose something here that the hand-off file must hold once the page is left forwards.
+    /// False by default.
+    [[nodiscard]] virtual bool hasChoice() const { return false; }
+
     /// Enable or disable the installer's buttons for this page, effective immediately while it is shown. Both
     /// are enabled initially.
     void setNextEnabled(bool enabled);

@@ -20,6 +20,6 @@ class InstallerPluginFactory {
     [[nodiscard]] virtual InstallerPane* createPane(QObject* parent) = 0;
 };
 
-#define InstallerPluginFactory_iid "com.tovik.quazel.InstallerPluginFactory/1.0"
+#define InstallerPluginFactory_iid "com.tovik.quazel.InstallerPluginFactory/1.1"
 
 Q_DECLARE_INTERFACE(InstallerPluginFactory, InstallerPluginFactory_iid)

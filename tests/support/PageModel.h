@@ -181,8 +181,7 @@ struct PageModel {
             if (type == 0 || mayContinue()) {
                 log(u"shouldExitPane  :: Return"_s);
                 step = Summary;
-                summary = file.isEmpty() ? QString()
-                                         : u"Model:\t"_s + QString(file).replace(u' ', u"\nAddress:\t"_s);
+                summary = file;
             }
         }
     }

@@ -52,6 +52,7 @@ class NetworkPrinterConfigPane : public InstallerPane {
     void awakeFromNib() override;
     void didEnterPane(InstallerDirection direction) override;
     [[nodiscard]] bool shouldExitPane(InstallerDirection direction) override;
+    [[nodiscard]] bool hasChoice() const override;
 
     // Signals and actions of the controls.
     void ComboBoxGotFocus();

@@ -52,6 +52,10 @@ bool NetworkPrinterConfigPane::shouldExitPane(InstallerDirection direction) {
     return mayLeave;
 }
 
+bool NetworkPrinterConfigPane::hasChoice() const {
+    return ask(radiobtnPrinterType(), &RadioMatrix::selectedRow) == networkTypeRow;
+}
+
 void NetworkPrinterConfigPane::selectPrinterModel(const QString& model) {
     modelOfDecision_ = model.isNull() ? nullptr : std::make_shared<const QString>(model);
     setG_selectedPrinterModel(modelOfDecision_);
