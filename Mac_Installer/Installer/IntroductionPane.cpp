@@ -20,18 +20,30 @@ IntroductionPane::IntroductionPane(const QString& problem, QObject* parent) : In
     auto* const column = new QVBoxLayout(content);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(12);
-    column->addWidget(makeText(tr("This assistant prepares your computer for a Tovik KV card printer.")));
-    column->addWidget(
-        makeText(tr("Switch the printer on and connect it, to this computer or to the network. The next step "
-                    "asks how it is connected and looks for it.")));
     if (!problem.isNull()) {
         auto* const icon = new QLabel;
         icon->setPixmap(content->style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(32, 32));
-        auto* const row = new QHBoxLayout;
-        row->addWidget(icon, 0, Qt::AlignTop);
-        row->addWidget(makeText(problem), 1);
-        column->addLayout(row);
+        QLabel* const warning = makeText(tr("A printer that you choose can't be saved."));
+        QFont bold = warning->font();
+        bold.setBold(true);
+        warning->setFont(bold);
+        auto* const grid = new QGridLayout;
+        grid->addWidget(icon, 0, 0, 2, 1, Qt::AlignTop);
+        grid->addWidget(warning, 0, 1);
+        grid->addWidget(makeText(problem), 1, 1);
+        grid->setColumnStretch(1, 1);
+        column->addLayout(grid);
     }
+    column->addWidget(makeText(tr(
+        "This assistant finds your Tovik KV card printer on the network and sets up a print queue for it. It "
+        "takes about a minute.")));
+    column->addWidget(
+        makeText(tr("You need:\n"
+                    "•  the printer, switched on and connected to the network,\n"
+                    "•  its IP address, if the search doesn't find it,\n"
+                    "•  an administrator's password, to set up the print queue.")));
+    column->addWidget(
+        makeText(tr("A printer that is connected directly to this computer needs no setup here.")));
     column->addStretch();
     setContentWidget(content);
 }
