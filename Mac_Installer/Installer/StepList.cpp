@@ -30,6 +30,9 @@ StepList::StepList(const std::vector<InstallerPane*>& pages, QWidget* parent) : 
         auto* const label = labels_.emplace_back(new QLabel(page->title(), this));
         label->setTextFormat(Qt::PlainText);
         label->setForegroundRole(QPalette::Text);
+        QFont bold = label->font();
+        bold.setBold(true);
+        label->setMinimumWidth(QFontMetrics(bold).horizontalAdvance(label->text()));  // As the current step.
         marks_ += new QLabel(this);
         const int row = grid->rowCount();
         grid->addWidget(marks_.last(), row, 0);
