@@ -189,8 +189,14 @@ struct Rig {
         seen.file = QString::fromLatin1(contentOf(home.selectionFile()));
         seen.summary = window.findChild<QLabel*>(u"summary"_s)->accessibleDescription().section(u'\n', 0, 0);
         seen.effects = std::exchange(effects, {}) + takeLog(home);
+        const QString found = u" printer%1 found."_s.arg(seen.items.size() == 2 ? u""_s : u"s"_s);
+        const bool isResultShown = seen.step == PageModel::Page && seen.isBoxShown && !seen.isSearching;
         const bool isMixed =
-            enabled.contains(seen.isSearching) || names.contains(u"Searching…"_s) != seen.isSearching ||
+            enabled.contains(seen.isSearching) ||
+            names.contains(u"Searching, usually a few seconds…"_s) != seen.isSearching ||
+            names.join(u'|').contains(seen.items.size() == 1 ? u"No printer found."_s
+                                                             : QString::number(seen.items.size() - 1) +
+                                                                   found) != isResultShown ||
             !names.contains(titles.value(seen.step) + u", current step"_s) ||
             names.contains(u"Problem"_s) != (seen.step == 0) || field->isEditable() != field->isEnabled();
         return (isMixed ? u"mixed "_s : QString()) + (window.isVisible() ? seen.text() : u"closed"_s);
@@ -320,8 +326,20 @@ const std::vector<Kind> kinds{
      [](auto& model, auto& input) {
          model.press(input.button, input.button == GoBack ? Qt::Key_B : Qt::Key_C);
      }},
-    {"Return", Anywhere, [](auto& rig, auto&) { rig.press(Qt::Key_Return); },
-     [](auto& model, auto&) { model.press(Continue, Qt::Key_Return); }},
+    {"Return on BUTTON", OnButton, [](auto& rig, auto&) { rig.press(Qt::Key_Return); },
+     [](auto& model, auto& input) {
+         if (model.isOperable(input.button)) {
+             const bool isPushButton =
+                 input.button == Refresh || input.button == GoBack || input.button == Continue;
+             model.press(isPushButton ? input.button : Continue, Qt::Key_Return);
+         }
+     }},
+    {"Return in the field", OnField, [](auto& rig, auto&) { rig.press(Qt::Key_Return); },
+     [](auto& model, auto&) {
+         if (model.isAddressEditable()) {
+             model.press(Continue, Qt::Key_Return);
+         }
+     }},
     {"Space on BUTTON", OnButton, [](auto& rig, auto&) { rig.press(Qt::Key_Space); },
      [](auto& model, auto& input) { model.press(input.button, Qt::Key_Space); }},
     {"assistive press of BUTTON", Anywhere,

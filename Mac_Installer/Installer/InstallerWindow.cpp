@@ -3,6 +3,7 @@
 #include "Installer/PressGuard.h"
 #include "Installer/StepList.h"
 
+#include <QApplication>
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QIcon>
@@ -14,6 +15,8 @@
 #include <QScrollArea>
 #include <QStackedWidget>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace {
 
@@ -27,18 +30,28 @@ QLabel* makeHeading(QWidget* parent) {
     return heading;
 }
 
-/// Puts a page in a scroll area, so that every control can be reached in a small window.
-QScrollArea* makeScroller(QWidget* content, QWidget* parent) {
-    auto* const scroller = new QScrollArea(parent);
-    scroller->setFrameShape(QFrame::NoFrame);
-    scroller->setWidgetResizable(true);
-    scroller->setFocusPolicy(Qt::NoFocus);
-    scroller->setWidget(content);
-    // Keep the window's background behind the page.
-    scroller->viewport()->setAutoFillBackground(false);
-    content->setAutoFillBackground(false);
-    return scroller;
-}
+/// Holds a page, and scrolls it where the screen has no room for it.
+class Scroller : public QScrollArea {
+  public:
+    Scroller(QWidget* page, QWidget* parent) : QScrollArea(parent) {
+        setFrameShape(NoFrame);
+        setWidgetResizable(true);
+        setFocusPolicy(Qt::NoFocus);
+        setWidget(page);
+        // Keep the window's background behind the page.
+        viewport()->setAutoFillBackground(false);
+        page->setAutoFillBackground(false);
+        // Longer lines are hard to read.
+        page->setMaximumWidth(
+            std::max(90 * fontMetrics().averageCharWidth(), page->minimumSizeHint().width()));
+    }
+
+    /// The whole page's, unlike QScrollArea's. Its texts wrap, so its height follows from its width.
+    [[nodiscard]] QSize sizeHint() const override {
+        const int width = widget()->sizeHint().width();
+        return {width, std::max(widget()->heightForWidth(width), widget()->sizeHint().height())};
+    }
+};
 
 }  // namespace
 
@@ -56,7 +69,7 @@ InstallerWindow::InstallerWindow(const std::vector<InstallerPane*>& pages, QWidg
     setWindowTitle(tr("Install the Tovik KV Printer Driver"));
     back_->setObjectName(QStringLiteral("back"));
     next_->setObjectName(QStringLiteral("next"));
-    back_->setAutoDefault(false);
+    next_->setDefault(true);
 
     auto* const buttons = new QHBoxLayout;
     buttons->setSpacing(8);
@@ -77,11 +90,12 @@ InstallerWindow::InstallerWindow(const std::vector<InstallerPane*>& pages, QWidg
     columns->addLayout(page, 1);
 
     for (const InstallerPane* const pane : pages) {
-        stack_->addWidget(makeScroller(pane->contentWidget(), stack_));
+        stack_->addWidget(new Scroller(pane->contentWidget(), stack_));
         connect(pane, &InstallerPane::buttonsChanged, this, &InstallerWindow::updateButtons);
     }
     connect(back_, &QPushButton::clicked, this, [this] { takeClick(back_, InstallerDirectionBackward); });
     connect(next_, &QPushButton::clicked, this, [this] { takeClick(next_, InstallerDirectionForward); });
+    connect(qApp, &QApplication::focusChanged, this, &InstallerWindow::scrollTo);
     enter(0, InstallerDirectionForward);
 
     const QSize frame(16, 48);  // Estimate: the window manager's frame is unknown before show().
@@ -91,6 +105,12 @@ InstallerWindow::InstallerWindow(const std::vector<InstallerPane*>& pages, QWidg
 
 InstallerWindow::~InstallerWindow() {
     hide();  // It is still shown after a signal, and stopping a page's search may take a second.
+}
+
+/// Not QDialog's, which places the window itself, on a small screen with the title bar beyond the edge.
+void InstallerWindow::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    setAttribute(Qt::WA_KeyboardFocusChange);  // Show the focus before the first Tab.
 }
 
 void InstallerWindow::keyPressEvent(QKeyEvent* event) {
@@ -129,7 +149,13 @@ void InstallerWindow::enter(int step, InstallerDirection direction) {
 void InstallerWindow::updateButtons() {
     back_->setEnabled(current_ > 0 && currentPage().isPreviousEnabled());
     next_->setEnabled(currentPage().isNextEnabled());
-    next_->setDefault(true);
+}
+
+/// Shows the control that has got the focus, not only by the Tab key as QScrollArea does.
+void InstallerWindow::scrollTo(const QWidget* /*before*/, QWidget* control) {
+    if (control != nullptr && stack_->isAncestorOf(control)) {
+        static_cast<Scroller*>(stack_->currentWidget())->ensureWidgetVisible(control, 0);
+    }
 }
 
 /// Focuses the page's first control in the tab order, or the Continue button if there is none.

@@ -30,13 +30,15 @@ class InstallerWindow : public QDialog {
     ~InstallerWindow() override;
 
   protected:
-    /// Return presses the default button, as in any dialog; Escape does not close the installer.
+    /// Return presses the focused button, or else Continue; Escape does not close the installer.
     void keyPressEvent(QKeyEvent* event) override;
+    void showEvent(QShowEvent* event) override;
 
   private:
     void takeClick(const QPushButton* button, InstallerDirection direction);
     void enter(int step, InstallerDirection direction);
     void updateButtons();
+    void scrollTo(const QWidget* before, QWidget* control);
     [[nodiscard]] bool isLast() const { return current_ + 1 == std::ssize(pages_); }
     [[nodiscard]] InstallerPane& currentPage() const { return *pages_[static_cast<std::size_t>(current_)]; }
     void focusFirstControl();

@@ -1,3 +1,5 @@
+// Text that users may want to copy, and that screen readers must read.
+
 #pragma once
 
 #include <QLabel>
@@ -5,7 +7,7 @@
 #include <QStyleOptionFocusRect>
 #include <QStylePainter>
 
-/// Plain text that wraps, that can be copied, and that the Tab key reaches, so that screen readers read it.
+/// Plain text that wraps, can be copied and is reached by the Tab key.
 class TextLabel : public QLabel {
   public:
     explicit TextLabel(QWidget* parent = nullptr) : QLabel(parent) {

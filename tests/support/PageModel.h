@@ -79,6 +79,13 @@ struct PageModel {
         }
     }
 
+    [[nodiscard]] bool isOperable(Button button) const {
+        const bool isModel = button >= Kv210 && button <= Kv460;
+        return !isSearching && (isModel             ? isFormShown() && areModelsEnabled
+                                : button == Refresh ? isFormShown()
+                                : button <= Network ? step == Page
+                                                    : button == Continue || step > Introduction);
+    }
     [[nodiscard]] bool isAddressEditable() const { return isFormShown() && isAddressEnabled; }
 
     /// The user edits the address to become `text`.

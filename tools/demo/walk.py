@@ -123,8 +123,19 @@ class Walk:
         return self.wait_for(steady, f"{name(node)!r} to stop moving")
 
     def pixels(self, node):
-        x, y, width, height = self.extents(node)
+        return self.area(*self.extents(node))
+
+    @staticmethod
+    def area(x, y, width, height):
+        """The pixels of a part of the screen: red, green and blue, 8 bits each."""
         return run("import", "-window", "root", "-crop", f"{width}x{height}+{x}+{y}", "+repage", "-depth", "8", "rgb:-")
+
+    def contrast(self, *area):
+        """The contrast ratio of the lightest and the darkest pixel of an area, from 1 to 21, as WCAG 2 defines it."""
+        linear = [value / 3294.6 if value <= 10 else ((value / 255 + 0.055) / 1.055) ** 2.4 for value in self.area(*area)]
+        shades = [0.2126 * red + 0.7152 * green + 0.0722 * blue + 0.05
+                  for red, green, blue in zip(linear[::3], linear[1::3], linear[2::3])]
+        return max(shades) / min(shades)
 
     @staticmethod
     def picture(title):

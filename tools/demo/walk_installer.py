@@ -3,8 +3,8 @@
 
 walk_installer.py COMMAND [ARG...]
 
-Runs the installer COMMAND four times: with the mouse, with the keyboard alone, closed during the search, and with
-assistive actions; without an X display only the last. Runs inside "environment" and "desktop". Writes pictures,
+Runs the installer COMMAND: with the mouse, with the keyboard alone, closed during the search, and with
+assistive actions; without an X display only the last. Then it looks at the window as other desktops show it. Runs inside "environment" and "desktop". Writes pictures,
 logs and hand-off files to the home folder. Exit status 1 if a step failed.
 """
 
@@ -32,6 +32,7 @@ MANUAL_ENTRY = "Enter IP Address Manually"
 ALERT_TITLE = "Tovik KV Card Printer IP Configuration"
 ALREADY_INSTALLED = "A Printer with this IP Address is already Installed, Please choose another Ethernet Printer"
 INVALID_ADDRESS = "Invalid IP"
+NOTHING_GIVEN = "Please choose Printer IP or Enter the IP Address to configure"
 NO_DRIVER = "No driver for the Tovik KV460 is installed. Install the package with its driver, then try again."
 
 NETWORK_FILE = pathlib.Path(os.environ["XDG_RUNTIME_DIR"], "printers").read_text()
@@ -42,6 +43,12 @@ INSTALLED = re.search(r"^# Has a print queue: (\w+)", NETWORK_FILE, re.MULTILINE
 CHOSEN = "KV260"
 UNKNOWN_ADDRESS = os.environ["QUAZEL_PRIVATE_NETWORK"] + ".77"
 OUT_OF_RANGE_ADDRESS = "10.0.0.300"
+
+SEARCHING, FOUND = "Searching, usually a few seconds…", f"{len(MODELS)} printers found. Choose one in the list."
+
+# How desktops show the window: the desktop, its font and, if it is dark, its palette. Qt reads the last two from kdeglobals.
+DARK = (pathlib.Path(__file__).parent / "kdeglobals.dark").read_text()
+LOOKS = [("GNOME", "", ""), ("KDE", "Cantarell,11", ""), ("KDE", "DejaVu Sans,16", DARK)]
 
 # Longer than the double-click interval, within which the window ignores a second press.
 PRESS_PAUSE = 0.6
@@ -192,7 +199,7 @@ def with_the_mouse(user):
     user.wait_list(activity)
     duration = time.monotonic() - start
     for address in ADDRESSES:
-        assert f"IP address is: {address}\n" in LOG.read_text(), f"{address} got no device id request"
+        assert f"IP address is: {address}\n" in LOG.read_text(), f"{address} got no device ID request"
     print(f"ok  after {duration:.1f} s the list has the manual entry and the four printers, each once")
 
     user.choose_printer(INSTALLED, "list")
@@ -340,14 +347,60 @@ def with_assistive_actions(user):
     print(f"ok  assistive actions alone: refused now; without a driver, the {MODELS[-1]} is not set up")
 
 
+def looks_right(user):
+    """What a script can see of the window's look: nothing is out of sight, the focus is visible, texts are readable."""
+    user.wait_window()
+    user.go_on(CONNECTION, "Return")
+    user.key("Down")
+    user.find("label", SEARCHING)
+    user.wait_list(user.find(ACTIVITY))
+    user.find("label", FOUND)
+    _, top, _, height = user.extents(user.find("panel", "Model"))
+    assert top + height < user.extents(user.button(CONTINUE))[1], "the page has to be scrolled"
+    for node in map(user.choice, (MODELS[-1], DIRECTLY)):
+        x, y, _, height = user.extents(node)
+        assert user.contrast(x, y, height - 5, height) >= 3, f"the outline of {name(node)!r} is hardly visible"
+
+    stops = [user.find(LIST), user.button("Search Again"), user.find(ADDRESS), user.choice(MODELS[0]), user.button(BACK)]
+    for stop, following in zip(stops, [*stops[1:], user.button(CONTINUE)]):
+        user.wait_state(stop, "focused")
+        focused = user.pixels(stop)
+        user.key("Tab")
+        user.wait_state(following, "focused")
+        assert user.pixels(stop) != focused, f"the focus on {name(stop)!r} is not visible"
+
+    for stop in user.choice(NETWORK), user.find(ADDRESS):
+        user.tab_to(stop)
+        user.key("Return")  # Presses Continue, also on a radio button, whose press would start another search.
+        alert = user.expect_alert(NOTHING_GIVEN, "nothing-given")
+        user.key("Return")
+        user.wait_gone(alert)
+        time.sleep(PRESS_PAUSE)
+    user.choose_printer(CHOSEN)
+    for node in user.find(ADDRESS), user.choice(CHOSEN):
+        x, y, width, height = user.extents(node)
+        assert user.contrast(x + height, y + 4, width - height - 4, height - 8) >= 4.5, f"{text(node)!r} is hardly readable"
+    user.tab_to(user.button(BACK))
+    user.key("Return")
+    user.find("label", INTRODUCTION)
+    user.key("alt+F4")
+    user.expect_end()
+
+
 def main():
     signal.alarm(300)  # A last resort, as every wait has a timeout.
-    walks = [with_assistive_actions]
+    walks = [(with_assistive_actions, [])]
     if "DISPLAY" in os.environ:
-        walks = [with_the_mouse, with_the_keyboard, closed_during_the_search, *walks]
-    for walk in walks:
+        walks = [(walk, []) for walk in (with_the_mouse, with_the_keyboard, closed_during_the_search)] + walks
+        for desktop, font, palette in LOOKS:
+            folder = HOME / f"look-{len(walks)}"
+            folder.mkdir()
+            (folder / "kdeglobals").write_text(f"{palette}\n[General]\nfont={font},-1,5,50,0,0,0,0,0\n")
+            walks.append((looks_right, ["env", f"XDG_CONFIG_HOME={folder}", f"XDG_CURRENT_DESKTOP={desktop}",
+                                        "KDE_SESSION_VERSION=5", "NO_AT_BRIDGE=1"]))
+    for walk, look in walks:
         with open(HOME / "output.txt", "ab") as output:
-            user = Installer(sys.argv[1:], output)
+            user = Installer(look + sys.argv[1:], output)
             try:
                 walk(user)
             except Exception as error:
@@ -356,7 +409,7 @@ def main():
                 sys.exit(f"walk: failed: {error!r}\n{user.dump()}")
             finally:
                 # The next start removes the hand-off file and the log.
-                shutil.copytree(HOME / "Documents", HOME / walk.__name__)
+                shutil.copytree(HOME / "Documents", HOME / walk.__name__, dirs_exist_ok=True)
     # Qt 6.8 warns if assistive technology requests a destroyed widget ("could not find accessible").
     printed = (HOME / "output.txt").read_text(errors="replace")
     warnings = re.findall(r"^.*(?:\bqt\.|QObject|support|fail|could not (?!find accessible)|warning).*$", printed,

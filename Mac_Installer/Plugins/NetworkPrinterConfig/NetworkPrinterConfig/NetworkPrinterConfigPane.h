@@ -26,8 +26,10 @@
 #include "platform/MainThreadGate.h"
 
 #include <QGroupBox>
+#include <QLabel>
 #include <QPointer>
 #include <QPushButton>
+#include <QStackedWidget>
 #include <QString>
 
 #include <functional>
@@ -150,6 +152,7 @@ class NetworkPrinterConfigPane : public InstallerPane {
     [[nodiscard]] bool changeControls(const std::function<void()>& changes);
     void showSearching();
     void fillList(const QStringList& lines);
+    void showResult(qsizetype printers);
     void allowChoosing();
 
     // Selection
@@ -180,6 +183,8 @@ class NetworkPrinterConfigPane : public InstallerPane {
     Atomic<QPointer<RadioMatrix>> radiobtnPrinterModel_;
     Atomic<std::weak_ptr<const QString>> g_selectedPrinterModel_;
     Atomic<QPointer<QPushButton>> RefreshButton_;
+    QPointer<QStackedWidget> searchStatus_;  // progress or result
+    QPointer<QLabel> searchResult_;
     bool g_ChangeTextBoxText_ = false;
     bool g_deSelectCell_ = false;
     qint64 g_SelectedCell_ = 0;

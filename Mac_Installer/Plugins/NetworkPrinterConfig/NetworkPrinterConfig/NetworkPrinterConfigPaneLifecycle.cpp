@@ -74,10 +74,8 @@ void NetworkPrinterConfigPane::makeContent() {
     form.setupUi(content);
     form.radiobtnPrinterModel->setColumns(static_cast<int>(modelCount));
     form.radiobtnPrinterModel->setCells(modelLabels());
-    form.Progress->setCaption(form.searchingLabel);
     // A hidden control keeps its space, so that the layout doesn't move when it appears.
-    for (QWidget* const control :
-         std::initializer_list<QWidget*>{form.PrinterIPInfoBox, form.Progress, form.searchingLabel}) {
+    for (QWidget* const control : std::initializer_list<QWidget*>{form.PrinterIPInfoBox, form.Progress}) {
         QSizePolicy policy = control->sizePolicy();
         policy.setRetainSizeWhenHidden(true);
         control->setSizePolicy(policy);
@@ -97,6 +95,8 @@ void NetworkPrinterConfigPane::makeContent() {
     setPrinterIPBox(form.PrinterIPBox);
     setRadiobtnPrinterModel(form.radiobtnPrinterModel);
     setRefreshButton(form.RefreshButton);
+    searchStatus_ = form.searchStatus;
+    searchResult_ = form.searchResult;
 }
 
 QString NetworkPrinterConfigPane::title() const {

@@ -7,6 +7,8 @@
 #include "platform/StringFormat.h"
 #include "platform/SystemLog.h"
 
+#include <QAccessible>
+
 #include <memory>
 #include <system_error>
 
@@ -112,6 +114,7 @@ bool NetworkPrinterConfigPane::GetPrinterIP() {
 void NetworkPrinterConfigPane::showSearching() {
     tell(Progress(), &QWidget::setHidden, false);
     tell(Progress(), &ProgressIndicator::startAnimation);
+    tell(searchStatus_.data(), &QStackedWidget::setCurrentIndex, 0);
     // The accessible name tells screen reader users about the search. The bar takes the focus because the
     // control that had it is disabled now.
     tell(Progress(), &QWidget::setAccessibleName, tr("Searching for printers"));
@@ -132,11 +135,31 @@ void NetworkPrinterConfigPane::fillList(const QStringList& lines) {
         tell(PrinterIP(), &ComboBox::selectItemAtIndex, 0);
     }
     tell(Progress(), &ProgressIndicator::stopAnimation);
-    const qsizetype printers = items.isEmpty() ? 0 : items.count() - 1;
-    tell(Progress(), &QWidget::setAccessibleName, tr("Search finished. Printers found: %1").arg(printers));
     // Not hasFocus(), which is false while another window is active.
     focusFollowsSearch_ = Progress() != nullptr && Progress()->window()->focusWidget() == Progress();
+    if (focusFollowsSearch_) {
+        Progress()
+            ->clearFocus();  // Or hiding it would pass the focus on, and screen readers would announce that.
+    }
     tell(Progress(), &QWidget::setHidden, true);
+    showResult(items.isEmpty() ? 0 : items.count() - 1);
+}
+
+void NetworkPrinterConfigPane::showResult(qsizetype printers) {
+    const QString result = printers == 0
+                               ? tr("No printer found. Check that it is switched on, or type its address.")
+                           : printers == 1 ? tr("1 printer found. Choose it in the list.")
+                                           : tr("%1 printers found. Choose one in the list.").arg(printers);
+    // The row was high enough for the longest text; let it keep its height, so that the layout doesn't move.
+    tell(searchStatus_.data(), &QWidget::setMinimumHeight, ask(searchStatus_.data(), &QWidget::height));
+    tell(searchResult_.data(), &QLabel::setText, result);
+    tell(searchStatus_.data(), &QStackedWidget::setCurrentIndex, 1);
+    tell(PrinterIP(), &QWidget::setAccessibleDescription, result);
+#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
+    // The description is read with the list, which gets the focus; unless another control has it.
+    QAccessibleAnnouncementEvent announcement(searchResult_, result);
+    QAccessible::updateAccessibility(&announcement);
+#endif
 }
 
 /// The model matrix stays as didSelectIP left it.

@@ -2,7 +2,6 @@
 
 #pragma once
 
-#include <QPointer>
 #include <QProgressBar>
 
 class ProgressIndicator : public QProgressBar {
@@ -16,17 +15,4 @@ class ProgressIndicator : public QProgressBar {
     void startAnimation() { setRange(0, 0); }
     void stopAnimation() { setRange(0, 1); }
     [[nodiscard]] bool isAnimating() const { return maximum() == 0; }
-
-    /// A label that is shown and hidden together with the bar.
-    void setCaption(QWidget* caption) { caption_ = caption; }
-
-    void setVisible(bool visible) override {
-        QProgressBar::setVisible(visible);
-        if (caption_) {
-            caption_->setVisible(visible);
-        }
-    }
-
-  private:
-    QPointer<QWidget> caption_;
 };

@@ -1,7 +1,11 @@
 #include "NetworkPrinterConfig/controls/RadioMatrix.h"
 
+#include "NetworkPrinterConfig/controls/QuietColour.h"
+
 #include <QButtonGroup>
+#include <QEvent>
 #include <QGridLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QRadioButton>
 #include <QSignalBlocker>
@@ -10,8 +14,8 @@
 
 namespace {
 
-/// A radio button whose circle contrasts with the window. Fusion derives the outline from a darkened window
-/// colour, which is hardly visible in a dark palette.
+/// A radio button whose circle contrasts with the window, and which leaves Return to the window's default
+/// button. Fusion derives the outline from a darkened window colour, which is hardly visible.
 class Cell : public QRadioButton {
   public:
     using QRadioButton::QRadioButton;
@@ -21,8 +25,16 @@ class Cell : public QRadioButton {
         QRadioButton::initStyleOption(option);
         const QColor window = option->palette.color(QPalette::Window);
         const QColor text = option->palette.color(QPalette::WindowText);
-        if (text.lightness() > window.lightness()) {
-            option->palette.setColor(QPalette::Window, text);
+        const bool isDark = text.lightness() > window.lightness();
+        option->palette.setColor(QPalette::Window, isDark ? text : window.darker());
+    }
+
+    /// Some desktops have Return press buttons; a press of a selected cell would repeat its action.
+    void keyPressEvent(QKeyEvent* event) override {
+        if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+            event->ignore();
+        } else {
+            QRadioButton::keyPressEvent(event);
         }
     }
 };
@@ -30,9 +42,10 @@ class Cell : public QRadioButton {
 }  // namespace
 
 RadioMatrix::RadioMatrix(QWidget* parent)
-    : QWidget(parent), grid_(new QGridLayout(this)), group_(new QButtonGroup(this)) {
+    : PlainGroup(parent), grid_(new QGridLayout(this)), group_(new QButtonGroup(this)) {
     grid_->setContentsMargins(0, 0, 0, 0);
     grid_->setVerticalSpacing(2);
+    keepLockedTextReadable();
     // Toggled signals also cover selections without a click (an assistive "Toggle"), but not a click on the
     // selected cell.
     connect(group_, &QButtonGroup::idToggled, this, [this](int /*index*/, bool isSelected) {
@@ -48,6 +61,20 @@ RadioMatrix::RadioMatrix(QWidget* parent)
             emit action();
         }
     });
+}
+
+bool RadioMatrix::event(QEvent* event) {
+    if (event->type() == QEvent::ApplicationPaletteChange) {
+        keepLockedTextReadable();
+    }
+    return PlainGroup::event(event);
+}
+
+void RadioMatrix::keepLockedTextReadable() {
+    QPalette colours = palette();
+    colours.setColor(QPalette::Disabled, QPalette::WindowText,
+                     quietColour(colours, QPalette::Disabled, QPalette::WindowText, QPalette::Window));
+    setPalette(colours);
 }
 
 void RadioMatrix::setCells(const QStringList& labels) {

@@ -3,14 +3,15 @@
 
 #pragma once
 
+#include "NetworkPrinterConfig/controls/GroupBox.h"
+
 #include <QStringList>
-#include <QWidget>
 
 class QAbstractButton;
 class QButtonGroup;
 class QGridLayout;
 
-class RadioMatrix : public QWidget {
+class RadioMatrix : public PlainGroup {
     Q_OBJECT
 
   public:
@@ -40,10 +41,14 @@ class RadioMatrix : public QWidget {
   signals:
     void action();
 
+  protected:
+    bool event(QEvent* event) override;
+
   private:
     /// Each row of cells is followed by a row of descriptions and a gap.
     [[nodiscard]] int gridRow(int index) const { return 3 * (index / columns_); }
     void keepTabStopOnSelection();
+    void keepLockedTextReadable();
 
     int columns_ = 1;
     QGridLayout* grid_;

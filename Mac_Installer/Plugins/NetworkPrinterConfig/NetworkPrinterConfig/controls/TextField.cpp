@@ -1,6 +1,7 @@
 #include "NetworkPrinterConfig/controls/TextField.h"
 
 #include "InstallerPlugins/ButtonActions.h"
+#include "NetworkPrinterConfig/controls/QuietColour.h"
 
 #include <QEvent>
 #include <QInputMethodEvent>
@@ -39,7 +40,7 @@ class TextField::Guard : public QValidator {
 };
 
 TextField::TextField(QWidget* parent) : QLineEdit(parent), guard_(new Guard(this)) {
-    keepPlaceholderReadable();
+    keepQuietTextReadable();
     setValidator(guard_);
     connect(this, &QLineEdit::textChanged, this, &TextField::followChange);
     connect(this, &QLineEdit::editingFinished, this, &TextField::endEditing);
@@ -82,7 +83,7 @@ void TextField::hideHint() {
 bool TextField::event(QEvent* event) {
     switch (event->type()) {
         case QEvent::ApplicationPaletteChange:
-            keepPlaceholderReadable();
+            keepQuietTextReadable();
             break;
         case QEvent::EnabledChange:
         case QEvent::FocusOut:
@@ -150,12 +151,13 @@ void TextField::keyPressEvent(QKeyEvent* event) {
     }
 }
 
-/// Some desktops' dark palettes keep the placeholder colour of the light one.
-void TextField::keepPlaceholderReadable() {
-    constexpr float strength = 0.65F;
+/// The placeholder and the text of a locked field. Some desktops' dark palettes keep the light one's
+/// placeholder.
+void TextField::keepQuietTextReadable() {
     QPalette colours = palette();
-    QColor quiet = colours.color(QPalette::Active, QPalette::Text);
-    quiet.setAlphaF(strength);
-    colours.setColor(QPalette::PlaceholderText, quiet);
+    colours.setColor(QPalette::PlaceholderText,
+                     quietColour(colours, QPalette::Active, QPalette::Text, QPalette::Base));
+    colours.setColor(QPalette::Disabled, QPalette::Text,
+                     quietColour(colours, QPalette::Disabled, QPalette::Text, QPalette::Base));
     setPalette(colours);
 }

@@ -49,7 +49,7 @@ class TextField : public QLineEdit {
   private:
     class Guard;
 
-    void keepPlaceholderReadable();
+    void keepQuietTextReadable();
     void followChange();
     void accept();
     void endEditing();
