@@ -48,7 +48,7 @@ class Scroller : public QScrollArea {
 
     /// The whole page's, unlike QScrollArea's. Its texts wrap, so its height follows from its width.
     [[nodiscard]] QSize sizeHint() const override {
-        const int width = widget()->sizeHint().width();
+        const int width = std::min(widget()->sizeHint().width(), widget()->maximumWidth());
         return {width, std::max(widget()->heightForWidth(width), widget()->sizeHint().height())};
     }
 };
