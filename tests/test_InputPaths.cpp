@@ -19,6 +19,7 @@
 #include <QAbstractItemView>
 #include <QAccessible>
 #include <QApplication>
+#include <QButtonGroup>
 #include <QClipboard>
 #include <QDeadlineTimer>
 #include <QLabel>
@@ -85,6 +86,7 @@ struct Rig {
         page->awakeFromNib();
         RC_ASSERT(takeLog(home).join(u'|') ==
                   u"Tovik Quazel Installer Initializing....|Inside RemoveFile|Return from RemoveFile"_s);
+        RC_ASSERT(systemLog.take() == QStringList(u"(null)"_s));
         window.resize(780, 780);
         window.show();
         RC_ASSERT(QTest::qWaitForWindowActive(&window));
@@ -125,6 +127,21 @@ struct Rig {
         send(QEvent::KeyPress, false);
         send(QEvent::KeyPress, true);
         send(QEvent::KeyRelease, false);
+    }
+
+    /// Presses the key that moves the selection one cell closer to a radio button.
+    void pressArrow(Button button) const {
+        QButtonGroup* const group = buttons.at(button)->group();
+        QAbstractButton* const selected = group == nullptr ? nullptr : group->checkedButton();
+        if (selected == nullptr || selected == buttons.at(button) || !selected->isVisible()) {
+            return;
+        }
+        selected->setFocus();
+        if (selected->hasFocus()) {
+            const bool isForward = group->id(buttons.at(button)) > group->checkedId();
+            QTest::keyClick(selected, button <= Network ? (isForward ? Qt::Key_Down : Qt::Key_Up)
+                                                        : (isForward ? Qt::Key_Right : Qt::Key_Left));
+        }
     }
 
     static void assist(QWidget* control) {
@@ -191,6 +208,7 @@ struct Rig {
         seen.effects = std::exchange(effects, {}) + takeLog(home);
         const QString found = u" printer%1 found."_s.arg(seen.items.size() == 2 ? u""_s : u"s"_s);
         const bool isResultShown = seen.step == PageModel::Page && seen.isBoxShown && !seen.isSearching;
+        seen.systemLog = systemLog.take();
         const bool isMixed =
             enabled.contains(seen.isSearching) ||
             names.contains(u"Searching, usually a few seconds…"_s) != seen.isSearching ||
@@ -198,8 +216,10 @@ struct Rig {
                                                              : QString::number(seen.items.size() - 1) +
                                                                    found) != isResultShown ||
             !names.contains(titles.value(seen.step) + u", current step"_s) ||
+            names.filter(u", still to come"_s).size() != PageModel::Summary - seen.step ||
             names.contains(u"Problem"_s) != (seen.step == 0) || field->isEditable() != field->isEnabled();
-        return (isMixed ? u"mixed "_s : QString()) + (window.isVisible() ? seen.text() : u"closed"_s);
+        seen.step = window.isVisible() ? seen.step : PageModel::Closed;
+        return (isMixed && window.isVisible() ? u"mixed "_s : QString()) + seen.text();
     }
 
     /// From now on, closes every alert, by its window, Return, Escape and a click in turn.
@@ -233,6 +253,7 @@ struct Rig {
     }
 
     const TemporaryHome& home;
+    SystemLogCapture systemLog;
     NetworkPrinterConfigPane* const page = new NetworkPrinterConfigPane;
     ComboBox* const list = page->PrinterIP();
     TextField* const field = page->IPAddressText();
@@ -262,13 +283,20 @@ struct Kind {
 struct Input : rc::state::Command<PageModel, Rig> {
     void checkPreconditions(const PageModel& model) const override {
         RC_PRE(kind.need != InSearch || model.isSearching);
-        RC_PRE(nextState(model).step != PageModel::Closed);
+    }
+
+    [[nodiscard]] bool isPossible(const PageModel& model) const {
+        return model.step != PageModel::Closed && (kind.need != OnButton || model.isOperable(button)) &&
+               (kind.need != OnList || model.isOperable(Refresh)) &&  // The list is enabled with it.
+               (kind.need != OnField || model.isAddressEditable());
     }
 
     void apply(PageModel& model) const override {
-        model.effects = {};
+        model.effects = model.systemLog = {};
         model.sincePress += pause;
-        kind.expect(model, *this);
+        if (isPossible(model)) {
+            kind.expect(model, *this);
+        }
     }
 
     void run(const PageModel& before, Rig& rig) const override {
@@ -278,7 +306,7 @@ struct Input : rc::state::Command<PageModel, Rig> {
         if (control != nullptr && control->isVisible()) {
             control->setFocus();
         }
-        if (control == nullptr || control->hasFocus()) {
+        if (rig.window.isVisible() && (control == nullptr || control->hasFocus())) {
             kind.send(rig, *this);
         }
         rig.settle();
@@ -291,6 +319,7 @@ struct Input : rc::state::Command<PageModel, Rig> {
         out << (pause == shortPause ? "at once: " : "")
             << QString::fromLatin1(kind.name)
                    .replace(u"BUTTON"_s, names.at(button))
+                   .replace(u"KEY"_s, QKeySequence(key).toString())
                    .replace(u"TEXT"_s, u'"' + text + u'"')
                    .replace(u"PRINTERS"_s, printers.join(u", "_s))
                    .toStdString();
@@ -299,12 +328,19 @@ struct Input : rc::state::Command<PageModel, Rig> {
     Kind kind;
     int pause;  // ms before the input, in event timestamps
     Button button;
+    Qt::Key key;
     QString text;
     QStringList printers;
 };
 
 void click(PageModel& model, const Input& input) {
     model.press(input.button, Qt::Key_unknown);
+}
+/// An assistive action has no effect on the selected cell.
+void choose(PageModel& model, const Input& input) {
+    if (input.button != model.type && input.button != Kv210 + model.column) {
+        model.press(input.button);
+    }
 }
 void append(PageModel& model, const Input& input) {
     model.edit(model.address + input.text);
@@ -328,29 +364,29 @@ const std::vector<Kind> kinds{
      }},
     {"Return on BUTTON", OnButton, [](auto& rig, auto&) { rig.press(Qt::Key_Return); },
      [](auto& model, auto& input) {
-         if (model.isOperable(input.button)) {
-             const bool isPushButton =
-                 input.button == Refresh || input.button == GoBack || input.button == Continue;
-             model.press(isPushButton ? input.button : Continue, Qt::Key_Return);
-         }
+         const bool isPushButton =
+             input.button == Refresh || input.button == GoBack || input.button == Continue;
+         model.press(isPushButton ? input.button : Continue, Qt::Key_Return);
      }},
-    {"Return in the field", OnField, [](auto& rig, auto&) { rig.press(Qt::Key_Return); },
-     [](auto& model, auto&) {
-         if (model.isAddressEditable()) {
-             model.press(Continue, Qt::Key_Return);
-         }
-     }},
+    {"Return in the list", OnList, [](auto& rig, auto&) { rig.press(Qt::Key_Return); },
+     [](auto& model, auto&) { model.press(Continue, Qt::Key_Return); }},
+    {"keypad Enter in the field", OnField,
+     [](auto& rig, auto&) { rig.press(Qt::KeypadModifier | Qt::Key_Enter); },
+     [](auto& model, auto&) { model.press(Continue, Qt::Key_Enter); }},
+    {"Escape", Anywhere, [](auto& rig, auto&) { rig.press(Qt::Key_Escape); }, [](auto&, auto&) {}},
     {"Space on BUTTON", OnButton, [](auto& rig, auto&) { rig.press(Qt::Key_Space); },
      [](auto& model, auto& input) { model.press(input.button, Qt::Key_Space); }},
     {"assistive press of BUTTON", Anywhere,
-     [](auto& rig, auto& input) { rig.assist(rig.buttons.at(input.button)); },
+     [](auto& rig, auto& input) { rig.assist(rig.buttons.at(input.button)); }, choose},
+    {"arrow key towards BUTTON", Anywhere, [](auto& rig, auto& input) { rig.pressArrow(input.button); },
      [](auto& model, auto& input) {
-         if (input.button != model.type) {  // Toggling the selected cell has no effect.
-             model.press(input.button);
+         const auto selected = input.button <= Network ? model.type : Kv210 + model.column;
+         if (input.button != Refresh && input.button < GoBack && input.button != selected) {
+             model.press(static_cast<Button>(selected + (input.button > selected ? 1 : -1)));
          }
      }},
-    {"Up in the list", OnList, [](auto& rig, auto&) { QTest::keyClick(rig.list, Qt::Key_Up); },
-     [](auto& model, auto&) { model.select(model.selected - 1); }},
+    {"KEY in the list", OnList, [](auto& rig, auto& input) { QTest::keyClick(rig.list, input.key); },
+     [](auto& model, auto& input) { model.pressInList(input.key); }},
     {"assistive choice of the last list item", Anywhere,
      [](auto& rig, auto&) { rig.chooseLastByAssistiveAction(); },
      [](auto& model, auto&) { model.select(model.items.size() - 1); }},
@@ -361,6 +397,7 @@ const std::vector<Kind> kinds{
                            false);
          QSpontaneKeyEvent::setSpontaneous(&event);  // Only those can change the focus.
          qApp->notify(rig.list, &event);
+         RC_ASSERT(!event.isAccepted() || !rig.list->isVisible());  // The page fits; else it would scroll.
      },
      [](auto&, auto&) {}},
     {"type TEXT", OnField,
@@ -376,6 +413,21 @@ const std::vector<Kind> kinds{
          rig.field->paste();
      },
      replace},
+    {"paste TEXT over all, Ctrl+Z", OnField,
+     [](auto& rig, auto& input) {
+         const QString before = rig.field->text();
+         QApplication::clipboard()->setText(input.text);
+         rig.field->selectAll();
+         rig.field->paste();
+         if (rig.field->text() != before) {
+             QTest::keyClick(rig.field, Qt::Key_Z, Qt::ControlModifier);
+         }
+     },
+     [](auto& model, auto& input) {
+         const QString before = model.address;
+         model.edit(input.text);
+         model.edit(before);
+     }},
     {"drop TEXT at the end", Anywhere,
      [](auto& rig, auto& input) {
          QMimeData data;
@@ -404,11 +456,7 @@ const std::vector<Kind> kinds{
          rig.settle();
          rig.compose({}, {});
      },
-     [](auto& model, auto&) {
-         if (model.isAddressEditable()) {
-             model.press(Refresh);
-         }
-     }},
+     [](auto& model, auto&) { model.press(Refresh); }},
     {"delete by input method", OnField,
      [](auto& rig, auto&) {
          rig.field->end(false);
@@ -441,8 +489,9 @@ std::shared_ptr<const Input::CommandType> anyInput(const PageModel& model) {
     input->kind = *rc::gen::sizedElementOf(kinds);
     input->button = static_cast<Button>(*rc::gen::inRange<int>(Directly, Continue + 1));
     input->pause = *rc::gen::sizedElement(doubleClickInterval, shortPause);
-    input->text = *rc::gen::sizedElement(u"1"_s, u"10.0.0.5"_s, u"192.168.1.40"_s, u"a"_s, u"..256"_s,
-                                         u"1.2.3.4 "_s, u"255.255.255.2555"_s, u"\u0661"_s);
+    input->key = *rc::gen::element(Qt::Key_Up, Qt::Key_Down, Qt::Key_Home, Qt::Key_End, Qt::Key_T);
+    input->text = *rc::gen::sizedElement(u"1"_s, u"10.0.0.5"_s, u"010.0.0.05"_s, u"192.168.1.40"_s, u"a"_s,
+                                         u"..256"_s, u"1.2.3.4 "_s, u"255.255.255.2555"_s, u"\u0661"_s);
     static const QStringList printers{u"Tovik KV210 @10.0.0.4"_s, u"Tovik KV260 @10.0.0.5"_s,
                                       u"Tovik KV410 @10.0.0.7"_s, u"Tovik KV460 @10.0.0.50"_s};
     input->printers = printers.mid(*rc::gen::inRange(0, 5));
@@ -465,17 +514,22 @@ class TestInputPaths : public QObject {
     void inputsTakeFullEffectOrNone() {
         makeButtonsImmediate();
         QApplication::setDoubleClickInterval(doubleClickInterval);
+        QApplication::setKeyboardInputInterval(0);  // Each letter typed into the list starts a new search.
         if (!qEnvironmentVariableIsSet("RC_PARAMS")) {
             qputenv("RC_PARAMS", "max_success=250");  // About 7,000 inputs.
         }
         const TemporaryHome home;
-        const SystemLogCapture systemLog;
         QVERIFY(rc::check("inputs take full effect or none", [&home] {
             Rig rig(home);
             rc::state::check(PageModel(), rig, [](const PageModel& model) {
                 // The nominal size lets all values occur from the first sequence on.
                 return rc::gen::resize(rc::kNominalSize, rc::gen::exec([model] { return anyInput(model); }));
             });
+            PageModel closed;
+            closed.step = PageModel::Closed;
+            rig.window.close();
+            rig.settle();
+            RC_ASSERT(rig.text().toStdString() == closed.text().toStdString());
         }));
     }
 

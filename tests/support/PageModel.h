@@ -8,8 +8,7 @@
 #include <QDebug>
 #include <QRegularExpression>
 
-#include <arpa/inet.h>
-
+#include <algorithm>
 #include <optional>
 
 enum Button { Directly, Network, Refresh, Kv210, Kv260, Kv410, Kv460, GoBack, Continue };
@@ -36,6 +35,7 @@ struct PageModel {
     QString file;
     QString summary;
     QStringList effects;       // records, alerts and beeps of the last input, in order
+    QStringList systemLog;     // its lines of the last input
     int sincePress = 0;        // ms since the last press of Continue or Go Back that counted
     bool isInstalled = false;  // whether the print service has the queue looked for
 
@@ -45,31 +45,41 @@ struct PageModel {
         QDebug(&text).noquote() << "step" << step << "type" << type << "box" << isBoxShown << "list"
                                 << selected << items << "address" << isAddressEnabled << address << "models"
                                 << areModelsEnabled << column << "searching" << isSearching << "fields"
-                                << changeText << deSelect << selectedCell << "file" << file << summary
-                                << "effects" << effects.join(u'|');
-        return text;
+                                << changeText << deSelect << selectedCell << "file" << file << summary;
+        return (step == Closed ? u"closed"_s : text) +
+               u" effects %1 system log %2"_s.arg(effects.join(u'|'), systemLog.join(u'|'));
+    }
+
+    /// Whether the button is visible and enabled.
+    [[nodiscard]] bool isOperable(Button button) const {
+        const bool isModel = button >= Kv210 && button <= Kv460;
+        if (isModel || isSearching) {
+            return isModel && isFormShown() && areModelsEnabled;
+        }
+        return button == Refresh  ? isFormShown()
+               : button == GoBack ? step > Introduction
+                                  : button == Continue || step == Page;
     }
 
     /// A press by a key, by the mouse (Key_unknown) or by assistive technology (no key).
     void press(Button button, std::optional<Qt::Key> key = {}) {
-        const bool isModel = button >= Kv210 && button <= Kv460;
-        if (isModel && isFormShown() && areModelsEnabled) {
-            column = button - Kv210;
-        }
-        if (isModel || isSearching) {
+        if (!isOperable(button)) {
             return;
         }
         if (button == Continue && isCounted(key)) {
             goForward();
-        } else if (button == GoBack && step > Introduction && isCounted(key)) {
+        } else if (button == GoBack && isCounted(key)) {
             --step;
             log(step == Introduction ? u"shouldExitPane|shouldExitPane  :: Return"_s
                                      : u"didEnterPane|Return from didEnterPane"_s);
-        } else if (button == Refresh && isFormShown()) {
+        } else if (button == Refresh) {
             log(u"RefreshButtonClicked"_s);
             startSearch();
-        } else if (button <= Network && step == Page) {
+        } else if (button <= Network) {
             chooseType(button);
+        } else if (button <= Kv460) {
+            column = button - Kv210;
+            report(u"Selected Model Item is %1"_s.arg(column));
         }
     }
 
@@ -79,13 +89,16 @@ struct PageModel {
         }
     }
 
-    [[nodiscard]] bool isOperable(Button button) const {
-        const bool isModel = button >= Kv210 && button <= Kv460;
-        return !isSearching && (isModel             ? isFormShown() && areModelsEnabled
-                                : button == Refresh ? isFormShown()
-                                : button <= Network ? step == Page
-                                                    : button == Continue || step > Introduction);
+    void pressInList(Qt::Key key) {
+        const qsizetype last = items.size() - 1;
+        select(key == Qt::Key_Up     ? selected - 1
+               : key == Qt::Key_Down ? selected + 1
+               : key == Qt::Key_Home ? 0
+               : key == Qt::Key_End  ? last
+               : selected < last     ? selected + 1  // "T": the next printer.
+                                     : 1);
     }
+
     [[nodiscard]] bool isAddressEditable() const { return isFormShown() && isAddressEnabled; }
 
     /// The user edits the address to become `text`.
@@ -105,7 +118,8 @@ struct PageModel {
     void endSearch(const QStringList& printers) {
         items = QStringList{manualEntry} + printers;
         log(u"After GetTovikQuazelPrinters|Total Printer Count is %1"_s.arg(items.size()));
-        log(u"Found an Item: "_s + items.join(u"||Found an Item: "_s) + u'|');
+        log(foundItems());
+        report(u"Array Count is %1"_s.arg(items.size() + 1));
         didSelect(0);
         isSearching = false;
     }
@@ -120,8 +134,13 @@ struct PageModel {
     [[nodiscard]] bool isManual() const { return item() == manualEntry; }
     [[nodiscard]] QString itemModel() const { return item().section(u' ', 1, 1); }
 
-    /// Adds log records, separated by "|".
+    [[nodiscard]] QString foundItems() const {
+        return u"Found an Item: "_s + items.join(u"||Found an Item: "_s) + u'|';
+    }
+
+    /// Adds log records, or lines of the system log, separated by "|".
     void log(const QString& records) { effects += records.split(u'|'); }
+    void report(const QString& lines) { systemLog += lines.split(u'|'); }
 
     bool refuse(const QString& reason, const QStringList& records = {}) {
         effects += u"Tovik KV Card Printer IP Configuration|%1|Ok"_s.arg(reason);
@@ -142,6 +161,7 @@ struct PageModel {
     void chooseType(int row) {
         type = row;
         log(u"PrinterTypeClicked %1"_s.arg(row));
+        report(u"PrinterTypeClicked %1"_s.arg(row));
         isBoxShown = row == 1;
         if (isBoxShown) {
             startSearch();
@@ -168,6 +188,7 @@ struct PageModel {
         column = isManual() ? 0 : models.indexOf(itemModel());
         if (!isManual()) {
             log(u"ChangePrinterModelRadioButton %1|$$$$$%2"_s.arg(item(), address));
+            report(u"ChangePrinterModelRadioButton "_s + item());
             changeText = true;
             selectedCell = column;
         }
@@ -175,6 +196,7 @@ struct PageModel {
 
     void removeFile() {
         log(u"Inside RemoveFile|Return from RemoveFile"_s);
+        systemLog += QStringList(file.isEmpty() ? 0 : 1, u"(null)"_s);
         file.clear();
     }
 
@@ -211,8 +233,11 @@ struct PageModel {
                           {u"Line No 1007"_s});
         }
         log(u"Line No 1014"_s);
-        in_addr parsed{};
-        if (::inet_pton(AF_INET, qPrintable(address), &parsed) != 1) {
+        const QStringList numbers = address.split(u'.');
+        const auto isByte = [](const QString& number) {
+            return !number.isEmpty() && number.size() <= 3 && number.toInt() <= 255;
+        };
+        if (numbers.size() != 4 || !std::all_of(numbers.begin(), numbers.end(), isByte)) {
             address.clear();
             effects += u"beep"_s;
             return refuse(u"Invalid IP"_s, {u"Line No 1026"_s});
@@ -222,15 +247,44 @@ struct PageModel {
 
     /// A typed address that occurs in the list yields the manufacturer, which maps to column 0.
     [[nodiscard]] bool isModelRight() {
-        const bool isKnown = !items.filter(address).isEmpty();
-        log(isManual() && isKnown ? u"IsIPAvalaibleInList|IsIPAvalaibleInList"_s : u"IsIPAvalaibleInList"_s);
-        if (!isKnown || column == (isManual() ? 0 : models.indexOf(itemModel()))) {
+        QString model = itemModel();
+        if (isManual()) {
+            report(u"Getting IP Model for the IP "_s + address);
+            model = isInList() ? u"Tovik"_s : u"(null)"_s;
+        }
+        report(u"ValidateSelectedIPAndModel is "_s + model);
+        if (model == u"(null)"_s) {
+            report(u"Empty String Return"_s);
+            return true;
+        }
+        (void)isInList();
+        const qsizetype right = std::max<qsizetype>(0, models.indexOf(model));
+        report(
+            u"PrinterModelToColumnNo is %1|PrinterModelToColumnNo Return %2|Model  Value is %2|"
+            "ValidateSelectedIPAndModel Return %3 "_s.arg(model)
+                .arg(right)
+                .arg(column == right));
+        if (column == right) {
             return true;
         }
         changeText = false;
         deSelect = true;
-        return refuse(u"Selected Printer model is "_s + (isManual() ? u"Tovik"_s : itemModel()),
-                      {u"Line No 1033"_s});
+        return refuse(u"Selected Printer model is "_s + model, {u"Line No 1033"_s});
+    }
+
+    [[nodiscard]] bool isInList() {
+        log(u"IsIPAvalaibleInList"_s);
+        report(u"~~IsIPAvalaibleInList %1|%2"_s.arg(address, foundItems()));
+        const QStringList lines = items + QStringList(QString());
+        for (const QString& line : lines) {
+            report(u"IsIPAvalaibleInList IP Is "_s + line);
+            if (line.contains(address)) {
+                report(u"IsIPAvalaibleInList Return1"_s);
+                return true;
+            }
+        }
+        report(u"IsIPAvalaibleInList Return0"_s);
+        return false;
     }
 
     [[nodiscard]] bool commit() {
@@ -250,6 +304,7 @@ struct PageModel {
                 "Ethernet Printer"_s);
         }
         file = choice;
+        report(u"Going to Write %1|writeToTextFile|writeToTextFile end"_s.arg(choice));
         const QString write = u"Writing to Text File|writeToTextFile %1|writeToTextFile END"_s.arg(choice);
         log((isManual() ? u"---Line No 1135|%1|--Line No 1138"_s : u"@@@@Line No 1097|%1|@@@@Line No 1100"_s)
                 .arg(write));
