@@ -19,7 +19,6 @@
 #include <QAbstractItemView>
 #include <QAccessible>
 #include <QApplication>
-#include <QButtonGroup>
 #include <QClipboard>
 #include <QDeadlineTimer>
 #include <QLabel>
@@ -129,21 +128,6 @@ struct Rig {
         send(QEvent::KeyRelease, false);
     }
 
-    /// Presses the key that moves the selection one cell closer to a radio button.
-    void pressArrow(Button button) const {
-        QButtonGroup* const group = buttons.at(button)->group();
-        QAbstractButton* const selected = group == nullptr ? nullptr : group->checkedButton();
-        if (selected == nullptr || selected == buttons.at(button) || !selected->isVisible()) {
-            return;
-        }
-        selected->setFocus();
-        if (selected->hasFocus()) {
-            const bool isForward = group->id(buttons.at(button)) > group->checkedId();
-            QTest::keyClick(selected, button <= Network ? (isForward ? Qt::Key_Down : Qt::Key_Up)
-                                                        : (isForward ? Qt::Key_Right : Qt::Key_Left));
-        }
-    }
-
     static void assist(QWidget* control) {
         const bool isRadio = qobject_cast<QRadioButton*>(control) != nullptr;
         QAccessible::queryAccessibleInterface(control)->actionInterface()->doAction(
@@ -156,6 +140,12 @@ struct Rig {
             QTest::keyClick(list->view(), Qt::Key_End);
             QTest::keyClick(list->view(), Qt::Key_Return);
         }
+    }
+
+    void paste(const QString& text) const {
+        QApplication::clipboard()->setText(text);
+        field->selectAll();
+        field->paste();
     }
 
     /// Sends an input method event: a preedit, a commit that may replace characters, or a cancellation.
@@ -336,12 +326,6 @@ struct Input : rc::state::Command<PageModel, Rig> {
 void click(PageModel& model, const Input& input) {
     model.press(input.button, Qt::Key_unknown);
 }
-/// An assistive action has no effect on the selected cell.
-void choose(PageModel& model, const Input& input) {
-    if (input.button != model.type && input.button != Kv210 + model.column) {
-        model.press(input.button);
-    }
-}
 void append(PageModel& model, const Input& input) {
     model.edit(model.address + input.text);
 }
@@ -377,14 +361,23 @@ const std::vector<Kind> kinds{
     {"Space on BUTTON", OnButton, [](auto& rig, auto&) { rig.press(Qt::Key_Space); },
      [](auto& model, auto& input) { model.press(input.button, Qt::Key_Space); }},
     {"assistive press of BUTTON", Anywhere,
-     [](auto& rig, auto& input) { rig.assist(rig.buttons.at(input.button)); }, choose},
-    {"arrow key towards BUTTON", Anywhere, [](auto& rig, auto& input) { rig.pressArrow(input.button); },
+     [](auto& rig, auto& input) { rig.assist(rig.buttons.at(input.button)); },
      [](auto& model, auto& input) {
-         const auto selected = input.button <= Network ? model.type : Kv210 + model.column;
-         if (input.button != Refresh && input.button < GoBack && input.button != selected) {
-             model.press(static_cast<Button>(selected + (input.button > selected ? 1 : -1)));
+         if (!model.isSelected(input.button)) {  // Toggling the selected cell has no effect.
+             model.press(input.button);
          }
      }},
+    {"arrow key forwards on BUTTON", OnButton,
+     [](auto& rig, auto& input) {
+         QTest::keyClick(rig.buttons.at(input.button),
+                         input.button <= Network ? Qt::Key_Down : Qt::Key_Right);
+     },
+     [](auto& model, auto& input) { model.pressArrow(input.button, 1); }},
+    {"arrow key backwards on BUTTON", OnButton,
+     [](auto& rig, auto& input) {
+         QTest::keyClick(rig.buttons.at(input.button), input.button <= Network ? Qt::Key_Up : Qt::Key_Left);
+     },
+     [](auto& model, auto& input) { model.pressArrow(input.button, -1); }},
     {"KEY in the list", OnList, [](auto& rig, auto& input) { QTest::keyClick(rig.list, input.key); },
      [](auto& model, auto& input) { model.pressInList(input.key); }},
     {"assistive choice of the last list item", Anywhere,
@@ -406,19 +399,11 @@ const std::vector<Kind> kinds{
          QTest::sendKeyEvent(QTest::Click, rig.field, Qt::Key_unknown, input.text, {});
      },
      append},
-    {"paste TEXT over all", OnField,
-     [](auto& rig, auto& input) {
-         QApplication::clipboard()->setText(input.text);
-         rig.field->selectAll();
-         rig.field->paste();
-     },
-     replace},
+    {"paste TEXT over all", OnField, [](auto& rig, auto& input) { rig.paste(input.text); }, replace},
     {"paste TEXT over all, Ctrl+Z", OnField,
      [](auto& rig, auto& input) {
          const QString before = rig.field->text();
-         QApplication::clipboard()->setText(input.text);
-         rig.field->selectAll();
-         rig.field->paste();
+         rig.paste(input.text);
          if (rig.field->text() != before) {
              QTest::keyClick(rig.field, Qt::Key_Z, Qt::ControlModifier);
          }
@@ -463,15 +448,8 @@ const std::vector<Kind> kinds{
          rig.compose({}, {}, 1);
      },
      [](auto& model, auto&) { model.edit(model.address.left(model.address.size() - 1)); }},
-    {"insert TEXT by assistance", Anywhere,
-     [](auto& rig, auto& input) {
-         rig.assistiveText->insertText(static_cast<int>(rig.field->text().size()), input.text);
-     },
-     append},
     {"replace all with TEXT by assistance", Anywhere,
      [](auto& rig, auto& input) { rig.assistiveText->replaceText(0, 15, input.text); }, replace},
-    {"delete all by assistance", Anywhere, [](auto& rig, auto&) { rig.assistiveText->deleteText(0, 15); },
-     [](auto& model, auto&) { model.edit({}); }},
     // Not caused by the user.
     {"queue installed or removed", Anywhere, [](auto&, auto&) { isQueueInstalled = !isQueueInstalled; },
      [](auto& model, auto&) { model.isInstalled = !model.isInstalled; }},
@@ -535,26 +513,23 @@ class TestInputPaths : public QObject {
 
     /// Held keys repeat in a page's text, and a long double-click interval loses no deliberate presses.
     void otherPressesCount() {
-        struct TextPage : InstallerPane {
-            TextPage() { setContentWidget(new QPlainTextEdit); }
-            [[nodiscard]] QString title() const override { return u"Text"_s; }
-        };
-        auto* const page = new TextPage;
-        InstallerWindow window({page, new TextPage, new TextPage, new TextPage});
+        auto* const page = new IntroductionPane({});
+        QPlainTextEdit& text = *new QPlainTextEdit(page->contentWidget());
+        InstallerWindow window(
+            {page, new IntroductionPane({}), new IntroductionPane({}), new IntroductionPane({})});
+        auto* const next = window.findChild<QPushButton*>(u"next"_s);
         window.show();
         QVERIFY(QTest::qWaitForWindowActive(&window));
         for (const QKeyCombination key :
              {Qt::Key_Return | Qt::NoModifier, Qt::Key_Space | Qt::NoModifier, Qt::ALT | Qt::Key_X}) {
             QKeyEvent event(QEvent::KeyPress, key.key(), key.keyboardModifiers(),
                             QChar::fromLatin1(QTest::keyToAscii(key.key())), true);
-            QApplication::sendEvent(page->contentWidget(), &event);
+            QApplication::sendEvent(&text, &event);
         }
-        QCOMPARE(static_cast<QPlainTextEdit*>(page->contentWidget())->toPlainText(), u"\n x"_s);
-        window.findChild<QPushButton*>(u"next"_s)->setShortcut(Qt::CTRL | Qt::Key_N);
-        QTest::keyClick(page->contentWidget(), Qt::Key_N, Qt::ControlModifier);
-
+        QCOMPARE(text.toPlainText(), u"\n x"_s);
+        next->setShortcut(Qt::CTRL | Qt::Key_N);
+        QTest::keyClick(&text, Qt::Key_N, Qt::ControlModifier);
         QApplication::setDoubleClickInterval(5000);
-        auto* const next = window.findChild<QPushButton*>(u"next"_s);
         QTest::mouseClick(next, Qt::LeftButton);
         QTest::mouseClick(next, Qt::LeftButton);  // 500 ms later, by its timestamp.
         QCOMPARE(next->text(), u"&Close"_s);

@@ -83,6 +83,17 @@ struct PageModel {
         }
     }
 
+    /// Whether it is a radio button, and selected.
+    [[nodiscard]] bool isSelected(Button button) const { return button == type || button == Kv210 + column; }
+
+    /// Moves the selection by one cell, if the button is selected.
+    void pressArrow(Button button, int offset) {
+        const auto next = static_cast<Button>(button + offset);
+        if (isSelected(button) && next >= Directly && next != Refresh && next <= Kv460) {
+            press(next);
+        }
+    }
+
     void select(qsizetype index) {
         if (isFormShown() && !isSearching && index != selected && index >= 0 && index < items.size()) {
             didSelect(index);
@@ -141,6 +152,10 @@ struct PageModel {
     /// Adds log records, or lines of the system log, separated by "|".
     void log(const QString& records) { effects += records.split(u'|'); }
     void report(const QString& lines) { systemLog += lines.split(u'|'); }
+    void logTwice(const QString& text) {
+        log(text);
+        report(text);
+    }
 
     bool refuse(const QString& reason, const QStringList& records = {}) {
         effects += u"Tovik KV Card Printer IP Configuration|%1|Ok"_s.arg(reason);
@@ -160,8 +175,7 @@ struct PageModel {
 
     void chooseType(int row) {
         type = row;
-        log(u"PrinterTypeClicked %1"_s.arg(row));
-        report(u"PrinterTypeClicked %1"_s.arg(row));
+        logTwice(u"PrinterTypeClicked %1"_s.arg(row));
         isBoxShown = row == 1;
         if (isBoxShown) {
             startSearch();
@@ -187,8 +201,8 @@ struct PageModel {
         address = isManual() ? QString() : item().section(u'@', 1);
         column = isManual() ? 0 : models.indexOf(itemModel());
         if (!isManual()) {
-            log(u"ChangePrinterModelRadioButton %1|$$$$$%2"_s.arg(item(), address));
-            report(u"ChangePrinterModelRadioButton "_s + item());
+            logTwice(u"ChangePrinterModelRadioButton "_s + item());
+            log(u"$$$$$"_s + address);
             changeText = true;
             selectedCell = column;
         }
@@ -273,18 +287,13 @@ struct PageModel {
     }
 
     [[nodiscard]] bool isInList() {
+        const qsizetype found = items.indexOf(items.filter(address).value(0));
+        const QStringList read = found < 0 ? items + QStringList(QString()) : items.mid(0, found + 1);
         log(u"IsIPAvalaibleInList"_s);
-        report(u"~~IsIPAvalaibleInList %1|%2"_s.arg(address, foundItems()));
-        const QStringList lines = items + QStringList(QString());
-        for (const QString& line : lines) {
-            report(u"IsIPAvalaibleInList IP Is "_s + line);
-            if (line.contains(address)) {
-                report(u"IsIPAvalaibleInList Return1"_s);
-                return true;
-            }
-        }
-        report(u"IsIPAvalaibleInList Return0"_s);
-        return false;
+        report(u"~~IsIPAvalaibleInList %1|%2|IsIPAvalaibleInList IP Is "_s.arg(address, foundItems()) +
+               read.join(u"|IsIPAvalaibleInList IP Is "_s));
+        report(u"IsIPAvalaibleInList Return%1"_s.arg(found >= 0));
+        return found >= 0;
     }
 
     [[nodiscard]] bool commit() {
