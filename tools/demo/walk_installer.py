@@ -379,7 +379,7 @@ def looks_right(user):
     user.choose_printer(CHOSEN)
     for node in user.find(ADDRESS), user.choice(CHOSEN):
         x, y, width, height = user.extents(node)
-        assert user.contrast(x + height, y + 4, width - height - 4, height - 8) >= 4.5, f"{text(node)!r} is hardly readable"
+        assert user.contrast(x + height, y + 4, width - height - 4, height - 8) >= 4.5, f"{name(node)!r} is hardly readable"
     user.tab_to(user.button(BACK))
     user.key("Return")
     user.find("label", INTRODUCTION)
