@@ -43,7 +43,7 @@ class Scroller : public QScrollArea {
         page->setAutoFillBackground(false);
         // Longer lines are hard to read.
         page->setMaximumWidth(
-            std::max(90 * fontMetrics().averageCharWidth(), page->minimumSizeHint().width()));
+            std::max(100 * fontMetrics().averageCharWidth(), page->minimumSizeHint().width()));
     }
 
     /// The whole page's, unlike QScrollArea's. Its texts wrap, so its height follows from its width.
