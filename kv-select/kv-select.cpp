@@ -47,7 +47,7 @@ void logMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QSt
 }
 
 // Paths for onSignal; never destroyed. The hand-off file's is empty until this run may write it.
-char handOffFile[PATH_MAX];
+char fileToRemove[PATH_MAX];
 char lockFile[PATH_MAX];
 char temporaryFolder[PATH_MAX];
 
@@ -58,7 +58,7 @@ void setPath(char (&path)[PATH_MAX], const QString& value) {
 /// Removes what this run has created and ends the program by the signal, even while it waits for the print
 /// service. Async-signal-safe; no function that removes a folder is.
 void onSignal(int number) {
-    ::unlink(handOffFile);
+    ::unlink(fileToRemove);
     const pid_t child = ::_Fork();
     if (child == 0) {
         ::execl("/bin/rm", "rm", "-rf", "--", lockFile, temporaryFolder, nullptr);
@@ -268,7 +268,7 @@ int handOver(const QString& model, int column, const QString& address) {
     } else if (!model.isEmpty()) {
         models.selectCellAtRow(0, column);  // Locked for a listed printer; the page compares the two.
     }
-    setPath(handOffFile, file);
+    setPath(fileToRemove, file);
     if (!page.shouldExitPane(InstallerDirectionForward)) {
         return exitRefused;
     }
@@ -289,7 +289,7 @@ int handOver(const QString& model, int column, const QString& address) {
 /// KV.txt stays, so that the steps can be repeated. Returns the exit status.
 int install(const QStringList& steps) {
     quitOnTerminationSignals();
-    setPath(handOffFile, {});
+    setPath(fileToRemove, {});
     auto runner = std::make_unique<StepRunner>();
     QObject::connect(runner.get(), &StepRunner::lineWritten,
                      [](const QString& line) { std::fprintf(stderr, "%s\n", qUtf8Printable(line)); });

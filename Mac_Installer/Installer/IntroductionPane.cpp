@@ -1,5 +1,6 @@
 #include "Installer/IntroductionPane.h"
 
+#include <QGridLayout>
 #include <QLabel>
 #include <QStyle>
 #include <QVBoxLayout>
@@ -23,7 +24,8 @@ IntroductionPane::IntroductionPane(const QString& problem, QObject* parent) : In
     if (!problem.isNull()) {
         auto* const icon = new QLabel;
         icon->setPixmap(content->style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(32, 32));
-        QLabel* const warning = makeText(tr("A printer that you choose can't be saved."));
+        QLabel* const warning =
+            makeText(tr("Your choice of a printer can't be saved, so no printer can be set up."));
         QFont bold = warning->font();
         bold.setBold(true);
         warning->setFont(bold);
@@ -35,15 +37,17 @@ IntroductionPane::IntroductionPane(const QString& problem, QObject* parent) : In
         column->addLayout(grid);
     }
     column->addWidget(makeText(tr(
-        "This assistant finds your Tovik KV card printer on the network and sets up a print queue for it. It "
+        "This installer finds your Tovik KV card printer on the network and sets up a print queue for it. It "
         "takes about a minute.")));
     column->addWidget(
         makeText(tr("You need:\n"
                     "•  the printer, switched on and connected to the network,\n"
                     "•  its IP address, if the search doesn't find it,\n"
-                    "•  an administrator's password, to set up the print queue.")));
-    column->addWidget(
-        makeText(tr("A printer that is connected directly to this computer needs no setup here.")));
+                    "•  the package with the printer's driver,\n"
+                    "•  an administrator's password, unless you may add printers.")));
+    column->addWidget(makeText(
+        tr("To add a printer that is connected directly to this computer, use the printer settings of your "
+           "desktop.")));
     column->addStretch();
     setContentWidget(content);
 }
