@@ -194,7 +194,8 @@ struct Rig {
         seen.deSelect = page->g_deSelectCell();
         seen.selectedCell = page->g_SelectedCell();
         seen.file = QString::fromLatin1(contentOf(home.selectionFile()));
-        seen.summary = window.findChild<QLabel*>(u"summary"_s)->accessibleDescription().section(u'\n', 0, 0);
+        const QString summary = window.findChild<QLabel*>(u"summary"_s)->accessibleDescription();
+        seen.summary = summary.startsWith(u"KV"_s) ? summary.section(u'\n', 0, 0) : QString();
         seen.effects = std::exchange(effects, {}) + takeLog(home);
         const QString found = u" printer%1 found."_s.arg(seen.items.size() == 2 ? u""_s : u"s"_s);
         const bool isResultShown = seen.step == PageModel::Page && seen.isBoxShown && !seen.isSearching;

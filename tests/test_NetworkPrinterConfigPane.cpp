@@ -37,6 +37,11 @@ void listen(QAccessibleEvent* event) {
                from->role() == QAccessible::Notification) {
         announced += u"notification "_s + from->text(QAccessible::Name);
     }
+#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
+    if (event->type() == QAccessible::Announcement) {
+        announced += u"announcement "_s + static_cast<QAccessibleAnnouncementEvent*>(event)->message();
+    }
+#endif
 }
 
 }  // namespace
@@ -124,6 +129,10 @@ class TestNetworkPrinterConfigPane : public QObject {
                          u"|focus Enter IP Address Manually|2 printers found. Choose one in the list."_s) &&
                      !all.contains(u"focus IP address:"_s),
                  qPrintable(all));
+#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
+        QVERIFY2(all.contains(u"|announcement 2 printers found. Choose one in the list.|"_s),
+                 qPrintable(all));
+#endif
         QCOMPARE(systemLog_->take(), QStringList({u"PrinterTypeClicked 1"_s, u"Array Count is 4"_s}));
         for (QWidget* const next : std::initializer_list<QWidget*>{
                  pane_->PrinterIP(), pane_->RefreshButton(), pane_->IPAddressText(),
@@ -197,15 +206,19 @@ class TestNetworkPrinterConfigPane : public QObject {
         const QColor window(32, 35, 38);
         QPalette dark(Qt::white, window, Qt::white, window, window, Qt::white, window);
         dark.setColor(QPalette::PlaceholderText, Qt::black);  // As on desktops that keep the light one's.
-        QApplication::setPalette(dark);
         TextField field;
         field.setFrame(false);
         field.setPlaceholderText(u"----"_s);
+        TextField locked;
+        locked.setFrame(false);
+        locked.setStringValue(u"----"_s);
+        locked.setEnabled(false);
         RadioMatrix matrix;
         matrix.setCells({u"x"_s});
+        QApplication::setPalette(dark);  // As when the desktop changes its colours.
         // Contrasts of 3:1 for the circle and 4.5:1 for text (WCAG 2.1).
         for (const auto& [widget, required] :
-             {std::pair<QWidget*, int>(matrix.cellAt(0, 0), 110), {&field, 136}}) {
+             {std::pair<QWidget*, int>(matrix.cellAt(0, 0), 110), {&field, 136}, {&locked, 136}}) {
             const QImage picture = widget->grab().toImage();
             int lightest = 0;
             for (int pixel = 0; pixel < 16 * picture.height(); ++pixel) {  // The circle, or some of the text.

@@ -24,9 +24,7 @@ QString prepareHandOffFolder() {
         return {};
     }
     return QCoreApplication::translate(
-               "HandOff",
-               "The folder %1 can't be written to. The choices made here would not reach the "
-               "later steps of the installation. Make the folder writable, then start again.")
+               "HandOff", "The folder %1 can't be written to. Make it writable, then start again.")
         .arg(folder);
 }
 
@@ -43,12 +41,15 @@ bool HandOff::isChosen() const {
 }
 
 QString HandOff::problem() const {
-    if (!folderProblem_.isNull() || QFileInfo(handOffFile()).size() > 0) {
+    const QFileInfo file(handOffFile());
+    const bool isUpToDate =
+        isChosen() ? file.isFile() && file.isWritable() && file.size() > 0 : !file.exists();
+    if (!folderProblem_.isNull() || isUpToDate) {
         return folderProblem_;
     }
-    return QCoreApplication::translate(
-               "HandOff",
-               "The file %1 couldn't be written. Check that its folder is writable and not "
-               "full, then go back and choose the printer again.")
-        .arg(handOffFile());
+    return QCoreApplication::translate("HandOff",
+                                       "The file %1 couldn't be updated. Check that it is writable, and that "
+                                       "its folder is writable and not "
+                                       "full; then go back and choose the printer again.")
+        .arg(file.filePath());
 }

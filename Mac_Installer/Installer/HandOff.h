@@ -25,7 +25,7 @@ class HandOff {
     /// Whether the user chose a network printer.
     [[nodiscard]] bool isChosen() const;
 
-    /// Why the file doesn't hold the choice; null if it does.
+    /// Why the file doesn't hold the choice, or an earlier one if none was made; null if all is well.
     [[nodiscard]] QString problem() const;
 
   private:

@@ -1,5 +1,7 @@
 #include "Installer/InstallationPane.h"
 
+#include "Installer/TextLabel.h"
+
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPlainTextEdit>
@@ -22,15 +24,12 @@ InstallationPane::InstallationPane(QStringList steps, HandOff handOff, QObject* 
     : InstallerPane(parent),
       steps_(std::move(steps)),
       handOff_(std::move(handOff)),
-      status_(new QLabel),
+      status_(new TextLabel),
       progress_(new QProgressBar),
       tryAgain_(new QPushButton(tr("Try &Again"))),
       toggle_(new QPushButton),
       details_(new QPlainTextEdit) {
     status_->setObjectName(QStringLiteral("status"));
-    status_->setTextFormat(Qt::PlainText);
-    status_->setWordWrap(true);
-    status_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     progress_->setRange(0, 0);  // A step doesn't tell how far it is.
     progress_->setTextVisible(false);
     progress_->setFocusPolicy(Qt::TabFocus);  // It holds the focus while the buttons are disabled.
@@ -76,12 +75,13 @@ void InstallationPane::run() {
     }
     tryAgain_->hide();
     details_->clear();
-    showState(tr("Setting up the printer ..."));
-    const QString problem = handOff_.isChosen() ? handOff_.problem() : QString();
+    showState(tr("Setting up the printer…"));
+    const QString problem = handOff_.problem();
     if (problem.isNull()) {
         runner_.start(steps_, handOffFile());
     } else {
         showResult(false, problem);
+        tryAgain_->hide();  // Only another choice helps.
     }
 }
 

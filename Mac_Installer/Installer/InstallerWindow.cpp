@@ -43,11 +43,14 @@ class Scroller : public QScrollArea {
         page->setAutoFillBackground(false);
         // Longer lines are hard to read.
         page->setMaximumWidth(
-            std::max(100 * fontMetrics().averageCharWidth(), page->minimumSizeHint().width()));
+            std::max(90 * fontMetrics().averageCharWidth(), page->minimumSizeHint().width()));
     }
 
     /// The whole page's, unlike QScrollArea's. Its texts wrap, so its height follows from its width.
     [[nodiscard]] QSize sizeHint() const override {
+        if (widget() == nullptr) {
+            return QScrollArea::sizeHint();
+        }
         const int width = std::min(widget()->sizeHint().width(), widget()->maximumWidth());
         return {width, std::max(widget()->heightForWidth(width), widget()->sizeHint().height())};
     }
@@ -153,7 +156,10 @@ void InstallerWindow::updateButtons() {
 
 /// Shows the control that has got the focus, not only by the Tab key as QScrollArea does.
 void InstallerWindow::scrollTo(const QWidget* /*before*/, QWidget* control) {
-    if (control != nullptr && stack_->isAncestorOf(control)) {
+    // While a button is down, scrolling would move the control from under the pointer, and the click would be
+    // lost.
+    if (control != nullptr && stack_->isAncestorOf(control) &&
+        QGuiApplication::mouseButtons() == Qt::NoButton) {
         static_cast<Scroller*>(stack_->currentWidget())->ensureWidgetVisible(control, 0);
     }
 }

@@ -43,8 +43,7 @@ void SummaryPane::didEnterPane(InstallerDirection /*direction*/) {
     if (!handOff_.isChosen()) {
         show(tr("No network printer was chosen."), {},
              tr("To add a printer that is connected directly to this computer, use the printer settings of "
-                "your "
-                "desktop."));
+                "your desktop."));
         return;
     }
     const QString problem = handOff_.problem();
@@ -73,6 +72,7 @@ void SummaryPane::show(const QString& result, const QString& printer, const QStr
     model_->setText(printer.section(QLatin1Char(' '), 0, 0));
     address_->setText(printer.section(QLatin1Char(' '), 1));
     details_->setText(details);
+    details_->setVisible(!details.isEmpty());
     // Screen readers read it with the sentence, which has the focus.
-    result_->setAccessibleDescription(printer + QLatin1Char('\n') + details);
+    result_->setAccessibleDescription((printer + QLatin1Char('\n') + details).trimmed());
 }

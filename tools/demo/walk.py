@@ -131,11 +131,12 @@ class Walk:
         return run("import", "-window", "root", "-crop", f"{width}x{height}+{x}+{y}", "+repage", "-depth", "8", "rgb:-")
 
     def contrast(self, *area):
-        """The contrast ratio of the lightest and the darkest pixel of an area, from 1 to 21, as WCAG 2 defines it."""
-        linear = [value / 3294.6 if value <= 10 else ((value / 255 + 0.055) / 1.055) ** 2.4 for value in self.area(*area)]
-        shades = [0.2126 * red + 0.7152 * green + 0.0722 * blue + 0.05
-                  for red, green, blue in zip(linear[::3], linear[1::3], linear[2::3])]
-        return max(shades) / min(shades)
+        """The highest contrast ratio of a pixel with the first, the background: 1 to 21, as WCAG 2 defines it."""
+        linear = [value / 3294.6 if value <= 10 else ((value / 255 + 0.055) / 1.055) ** 2.4
+                  for value in self.area(*area)]
+        first, *others = (0.2126 * red + 0.7152 * green + 0.0722 * blue + 0.05
+                          for red, green, blue in zip(linear[::3], linear[1::3], linear[2::3]))
+        return max(max(first, other) / min(first, other) for other in others)
 
     @staticmethod
     def picture(title):

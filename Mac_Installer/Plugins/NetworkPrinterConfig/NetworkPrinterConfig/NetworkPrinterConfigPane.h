@@ -26,7 +26,6 @@
 #include "platform/MainThreadGate.h"
 
 #include <QGroupBox>
-#include <QLabel>
 #include <QPointer>
 #include <QPushButton>
 #include <QStackedWidget>
@@ -183,8 +182,7 @@ class NetworkPrinterConfigPane : public InstallerPane {
     Atomic<QPointer<RadioMatrix>> radiobtnPrinterModel_;
     Atomic<std::weak_ptr<const QString>> g_selectedPrinterModel_;
     Atomic<QPointer<QPushButton>> RefreshButton_;
-    QPointer<QStackedWidget> searchStatus_;  // progress or result
-    QPointer<QLabel> searchResult_;
+    QPointer<QStackedWidget> searchStatus_;  // progress, nothing found, or number of printers
     bool g_ChangeTextBoxText_ = false;
     bool g_deSelectCell_ = false;
     qint64 g_SelectedCell_ = 0;

@@ -96,7 +96,6 @@ void NetworkPrinterConfigPane::makeContent() {
     setRadiobtnPrinterModel(form.radiobtnPrinterModel);
     setRefreshButton(form.RefreshButton);
     searchStatus_ = form.searchStatus;
-    searchResult_ = form.searchResult;
 }
 
 QString NetworkPrinterConfigPane::title() const {

@@ -8,6 +8,7 @@
 #include "platform/SystemLog.h"
 
 #include <QAccessible>
+#include <QLabel>
 
 #include <memory>
 #include <system_error>
@@ -138,26 +139,27 @@ void NetworkPrinterConfigPane::fillList(const QStringList& lines) {
     // Not hasFocus(), which is false while another window is active.
     focusFollowsSearch_ = Progress() != nullptr && Progress()->window()->focusWidget() == Progress();
     if (focusFollowsSearch_) {
-        Progress()
-            ->clearFocus();  // Or hiding it would pass the focus on, and screen readers would announce that.
+        // Or hiding it would pass the focus on, and screen readers would announce that.
+        Progress()->clearFocus();
     }
     tell(Progress(), &QWidget::setHidden, true);
     showResult(items.isEmpty() ? 0 : items.count() - 1);
 }
 
 void NetworkPrinterConfigPane::showResult(qsizetype printers) {
-    const QString result = printers == 0
-                               ? tr("No printer found. Check that it is switched on, or type its address.")
-                           : printers == 1 ? tr("1 printer found. Choose it in the list.")
-                                           : tr("%1 printers found. Choose one in the list.").arg(printers);
-    // The row was high enough for the longest text; let it keep its height, so that the layout doesn't move.
-    tell(searchStatus_.data(), &QWidget::setMinimumHeight, ask(searchStatus_.data(), &QWidget::height));
-    tell(searchResult_.data(), &QLabel::setText, result);
-    tell(searchStatus_.data(), &QStackedWidget::setCurrentIndex, 1);
-    tell(PrinterIP(), &QWidget::setAccessibleDescription, result);
+    if (!searchStatus_) {
+        return;
+    }
+    searchStatus_->setCurrentIndex(printers == 0 ? 1 : 2);
+    auto* const result = static_cast<QLabel*>(searchStatus_->currentWidget());
+    if (printers != 0) {
+        result->setText(printers == 1 ? tr("1 printer found. Choose it in the list.")
+                                      : tr("%1 printers found. Choose one in the list.").arg(printers));
+    }
+    tell(PrinterIP(), &QWidget::setAccessibleDescription, result->text());
 #if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
     // The description is read with the list, which gets the focus; unless another control has it.
-    QAccessibleAnnouncementEvent announcement(searchResult_, result);
+    QAccessibleAnnouncementEvent announcement(result, result->text());
     QAccessible::updateAccessibility(&announcement);
 #endif
 }

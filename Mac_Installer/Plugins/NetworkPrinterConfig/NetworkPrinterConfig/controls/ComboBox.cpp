@@ -2,6 +2,7 @@
 
 #include "InstallerPlugins/ButtonActions.h"
 
+#include <QKeyEvent>
 #include <QSignalBlocker>
 #include <QWheelEvent>
 
@@ -27,6 +28,15 @@ void ComboBox::showPopup() {
     if (isOperable(this)) {
         emit willPopUp();
         QComboBox::showPopup();
+    }
+}
+
+/// Leaves Return to the window's default button; on some desktops it would open the list.
+void ComboBox::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        event->ignore();
+    } else {
+        QComboBox::keyPressEvent(event);
     }
 }
 

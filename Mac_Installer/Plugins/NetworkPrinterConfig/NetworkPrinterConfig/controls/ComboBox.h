@@ -33,4 +33,5 @@ class ComboBox : public QComboBox {
 
   protected:
     void wheelEvent(QWheelEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 };

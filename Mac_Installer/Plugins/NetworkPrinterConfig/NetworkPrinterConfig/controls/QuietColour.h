@@ -2,16 +2,13 @@
 
 #pragma once
 
-#include <QPalette>
+#include <QColor>
 
-/// A colour between the palette's active text and its background in `group`. Where these have a contrast of
-/// 10:1, it has at least 4.5:1.
-inline QColor quietColour(const QPalette& palette, QPalette::ColorGroup group, QPalette::ColorRole text,
-                          QPalette::ColorRole background) {
+/// A colour between those of the text and its background. Where these have a contrast of 10:1, it has at
+/// least 4.5:1.
+inline QColor quietColour(const QColor& text, const QColor& background) {
     constexpr float strength = 0.75F;
-    const QColor front = palette.color(QPalette::Active, text);
-    const QColor back = palette.color(group, background);
     const auto mixed = [](float one, float other) { return strength * one + (1 - strength) * other; };
-    return QColor::fromRgbF(mixed(front.redF(), back.redF()), mixed(front.greenF(), back.greenF()),
-                            mixed(front.blueF(), back.blueF()));
+    return QColor::fromRgbF(mixed(text.redF(), background.redF()), mixed(text.greenF(), background.greenF()),
+                            mixed(text.blueF(), background.blueF()));
 }

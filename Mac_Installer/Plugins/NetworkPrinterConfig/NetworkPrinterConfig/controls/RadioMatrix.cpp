@@ -14,8 +14,8 @@
 
 namespace {
 
-/// A radio button whose circle contrasts with the window, and which leaves Return to the window's default
-/// button. Fusion derives the outline from a darkened window colour, which is hardly visible.
+/// A radio button whose circle contrasts with the window in Fusion, and which leaves Return to the window's
+/// default button. Fusion derives the outline from a darkened window colour, which is hardly visible.
 class Cell : public QRadioButton {
   public:
     using QRadioButton::QRadioButton;
@@ -64,7 +64,7 @@ RadioMatrix::RadioMatrix(QWidget* parent)
 }
 
 bool RadioMatrix::event(QEvent* event) {
-    if (event->type() == QEvent::ApplicationPaletteChange) {
+    if (event->type() == QEvent::PaletteChange) {
         keepLockedTextReadable();
     }
     return PlainGroup::event(event);
@@ -72,10 +72,13 @@ bool RadioMatrix::event(QEvent* event) {
 
 void RadioMatrix::keepLockedTextReadable() {
     QPalette colours = palette();
-    const QColor quiet = quietColour(colours, QPalette::Disabled, QPalette::WindowText, QPalette::Window);
+    const QColor quiet = quietColour(colours.color(QPalette::Active, QPalette::WindowText),
+                                     colours.color(QPalette::Disabled, QPalette::Window));
     colours.setColor(QPalette::Disabled, QPalette::WindowText, quiet);
     colours.setColor(QPalette::Disabled, QPalette::Text, quiet);  // of the dot
-    setPalette(colours);
+    if (colours != palette()) {
+        setPalette(colours);
+    }
 }
 
 void RadioMatrix::setCells(const QStringList& labels) {

@@ -82,7 +82,7 @@ void TextField::hideHint() {
 
 bool TextField::event(QEvent* event) {
     switch (event->type()) {
-        case QEvent::ApplicationPaletteChange:
+        case QEvent::PaletteChange:
             keepQuietTextReadable();
             break;
         case QEvent::EnabledChange:
@@ -155,9 +155,12 @@ void TextField::keyPressEvent(QKeyEvent* event) {
 /// placeholder.
 void TextField::keepQuietTextReadable() {
     QPalette colours = palette();
+    const QColor text = colours.color(QPalette::Active, QPalette::Text);
     colours.setColor(QPalette::PlaceholderText,
-                     quietColour(colours, QPalette::Active, QPalette::Text, QPalette::Base));
+                     quietColour(text, colours.color(QPalette::Active, QPalette::Base)));
     colours.setColor(QPalette::Disabled, QPalette::Text,
-                     quietColour(colours, QPalette::Disabled, QPalette::Text, QPalette::Base));
-    setPalette(colours);
+                     quietColour(text, colours.color(QPalette::Disabled, QPalette::Base)));
+    if (colours != palette()) {
+        setPalette(colours);
+    }
 }
