@@ -15,9 +15,7 @@ make_bare_debian() {
     # shellcheck source=/dev/null
     source /etc/os-release
     for file in /etc/apt/sources.list /etc/apt/sources.list.d/debian.sources; do
-        if [[ -s $file ]]; then
-            sources=$file
-        fi
+        [[ ! -s $file ]] || sources=$file
     done
     sed "s/\<$VERSION_CODENAME\>/$1/g" "$sources" |
         "${as_root[@]}" mmdebstrap --mode=root --variant=minbase --format=directory --dpkgopt=force-unsafe-io \
