@@ -18,7 +18,7 @@ import tempfile
 from typing import NamedTuple
 
 TOP = pathlib.Path(__file__).resolve().parent.parent
-BIN = TOP / "build/bench/bin"
+BIN = TOP / "build/release/bin"
 DEVICE_ID = "MFG:Tovik;CMD:KVL;MDL:TVK KV410;CLS:PRINTER;DES:Tovik KV410;SERN:%d;"
 COUNTS = (1, 16, 64, 255)  # With 256 the table is full, and collection ends without the quiet second.
 
