@@ -20,15 +20,11 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
-#include <QDeadlineTimer>
 #include <QLabel>
 #include <QMessageBox>
-#include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QScopedValueRollback>
-#include <QTimer>
 
 #include <rapidcheck.h>
 #include <rapidcheck/state.h>

@@ -8,9 +8,7 @@
 #include "support/Fixtures.h"
 
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QLabel>
-#include <QProcess>
 #include <QPushButton>
 
 #include <optional>

@@ -4,9 +4,6 @@
 #include "discovery/InstalledPrinters.h"
 #include "support/Fixtures.h"
 
-#include <QElapsedTimer>
-#include <QRegularExpression>
-
 #include <cups/cups.h>
 #include <linux/capability.h>
 #include <sys/syscall.h>

@@ -8,8 +8,6 @@
 #include "support/Fixtures.h"
 
 #include <QApplication>
-#include <QElapsedTimer>
-#include <QLoggingCategory>
 
 #include <malloc.h>
 

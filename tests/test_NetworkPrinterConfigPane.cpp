@@ -11,8 +11,6 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QImage>
-#include <QTimer>
-#include <QTranslator>
 
 #include <pthread.h>
 

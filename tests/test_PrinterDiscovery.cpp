@@ -7,9 +7,6 @@
 #include "handoff/DiagnosticLog.h"
 #include "support/Fixtures.h"
 
-#include <QElapsedTimer>
-#include <QRegularExpression>
-
 #include <fcntl.h>
 #include <netinet/in.h>
 #include <poll.h>

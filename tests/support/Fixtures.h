@@ -5,10 +5,7 @@
 
 #include "BuildDate.h"
 
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
-#include <QTest>
+#include <QtTest>
 
 #include <csignal>
 #include <cstdio>

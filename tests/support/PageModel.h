@@ -5,9 +5,6 @@
 
 #include "support/Fixtures.h"
 
-#include <QDebug>
-#include <QRegularExpression>
-
 #include <algorithm>
 #include <optional>
 
