@@ -19,6 +19,7 @@ namespace {
 const QString shipped = QStringLiteral("exec " QUAZEL_SOURCE_DIR "/steps/50-print-queue \"$1\"");
 const QString queue = u"Tovik-KV260-Ethernet-Printer-IP=010.0.0.08"_s;
 const QByteArray valid = "KV260 010.0.0.08";
+const QString isSetUp = u"The print queue is "_s + queue + u'.';
 const QString invalid = u"KV.txt is not valid: it must have a model and an IPv4 address."_s;
 
 /// `steps` are a name and commands, in turn; without commands, the file is not executable.
@@ -28,20 +29,13 @@ const struct {
     bool succeeds;
     QString message;
 } rows[]{
-    {{u"50"_s, shipped}, valid, true, u"The print queue is "_s + queue + u'.'},
-    {{u"again-without-lpadmin"_s, u"lpadmin() { exit 9; }; export -f lpadmin\n"_s + shipped},
-     valid,
-     true,
-     u"The print queue is "_s + queue + u'.'},
-    {{u"driver-of-a-longer-name"_s, shipped},
-     "KV460 10.0.0.46",
-     false,
-     u"No driver for the Tovik KV460 is installed. Install the package with its driver, then try again."_s},
+    {{u"50"_s, shipped}, valid, true, isSetUp},
+    {{u"again"_s, u"lpadmin() { exit 9; }; export -f lpadmin\n"_s + shipped}, valid, true, isSetUp},
+    {{u"driver-of-a-longer-name"_s, shipped}, "KV460 10.0.0.46", false, u"No driver for the Tovik KV460 "_s},
     {{u"range"_s, shipped}, "KV260 10.0.0.256", false, invalid},
     {{u"model"_s, shipped}, "KV2600 10.0.0.8", false, invalid},
     {{u"spaces"_s, shipped}, "KV260  10.0.0.8", false, invalid},
     {{u"zero-byte"_s, shipped}, QByteArray("KV260 10.0.0.8\0", 15), false, invalid},
-    {{u"second-line"_s, shipped}, "KV260 10.0.0.8\nKV260 10.0.0.8", false, invalid},
     {{u"line-end"_s, shipped}, "KV260 10.0.0.8\n", false, invalid},
     {{u"b"_s, u"echo 2"_s, u"C_-"_s, u"echo 1; echo"_s, u"a.sh"_s, u"exit 9"_s}, valid, true, u"1\n2"_s},
     {{u"1"_s, u"echo 1; printf '2\n3' >&2; exit 5"_s, u"2"_s, u"touch $0.ran"_s}, valid, false, u"3"_s},
