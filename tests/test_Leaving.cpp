@@ -25,11 +25,8 @@ extern "C" [[gnu::weak]] std::size_t __sanitizer_get_current_allocated_bytes();
 
 /// The sanitizers replace the C library's allocator.
 std::size_t allocatedBytes() {
-    if (__sanitizer_get_current_allocated_bytes != nullptr) {
-        return __sanitizer_get_current_allocated_bytes();
-    }
-    const struct mallinfo2 info = ::mallinfo2();
-    return info.uordblks + info.hblkhd;
+    return __sanitizer_get_current_allocated_bytes != nullptr ? __sanitizer_get_current_allocated_bytes()
+                                                              : ::mallinfo2().uordblks;
 }
 
 qsizetype countIn(const QString& folder) {

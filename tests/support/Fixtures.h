@@ -1,5 +1,4 @@
-// Shared by the tests: main(), a temporary home folder, access to both logs, spawned programs and virtual
-// printers.
+// Shared by the tests: main(), a temporary home folder, both logs, spawned programs and virtual printers.
 
 #pragma once
 
@@ -36,8 +35,7 @@ int runTest(int argc, char** argv, bool needsPrivateNetwork) {
         return runTest<Class, Application>(argc, argv, NEEDS_PRIVATE_NETWORK); \
     }
 
-/// A temporary home folder for the process's documents and settings, removed with this object. Create it
-/// before any path is looked up.
+/// A temporary home folder, removed with this object. Create it before any path is looked up.
 class TemporaryHome {
   public:
     TemporaryHome() {
