@@ -16,14 +16,7 @@
 #include "support/Fixtures.h"
 #include "support/PageModel.h"
 
-#include <QAbstractItemView>
-#include <QAccessible>
-#include <QApplication>
-#include <QClipboard>
-#include <QLabel>
-#include <QMessageBox>
-#include <QPushButton>
-#include <QRadioButton>
+#include <QtWidgets>
 
 #include <rapidcheck.h>
 #include <rapidcheck/state.h>

@@ -7,9 +7,7 @@
 #include "Installer/SummaryPane.h"
 #include "support/Fixtures.h"
 
-#include <QApplication>
-#include <QLabel>
-#include <QPushButton>
+#include <QtWidgets>
 
 #include <optional>
 #include <tuple>

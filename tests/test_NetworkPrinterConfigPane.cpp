@@ -7,10 +7,7 @@
 #include "discovery/PrinterDiscovery.h"
 #include "support/Fixtures.h"
 
-#include <QAbstractButton>
-#include <QAccessible>
-#include <QApplication>
-#include <QImage>
+#include <QtWidgets>
 
 #include <pthread.h>
 
