@@ -191,7 +191,7 @@ struct Rig {
             !names.contains(titles.value(seen.step) + u", current step"_s) ||
             names.filter(u", still to come"_s).size() != PageModel::Summary - seen.step ||
             names.contains(u"Problem"_s) != (seen.step == 0) || field->isEditable() != field->isEnabled();
-        seen.step = window.isVisible() ? seen.step : PageModel::Closed;
+        seen.step = window.isVisible() ? seen.step : qsizetype{PageModel::Closed};
         return (isMixed && window.isVisible() ? u"mixed "_s : QString()) + seen.text();
     }
 
