@@ -3,7 +3,7 @@
 # net-snmp's snmpd, each in its own network namespace on the bridge lan0.
 source "$(dirname "$0")/support/expect.sh"
 tools=$(dirname "$0")/../tools
-source "$tools/background.sh"
+source "$tools/lib/background.sh"
 program=("$1")
 ip route del local 10.0.0.0/24 dev lo  # These addresses belong to other hosts here.
 export PATH=$PATH:/usr/sbin
