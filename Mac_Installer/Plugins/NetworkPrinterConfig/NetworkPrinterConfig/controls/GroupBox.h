@@ -24,9 +24,7 @@ class PlainGroup : public GroupBox {
 
   protected:
     bool event(QEvent* event) override {
-        if (event->type() == QEvent::ContentsRectChange) {
-            setContentsMargins(0, 0, 0, 0);  // QGroupBox reserves the frame's, each time it is resized.
-        }
+        setContentsMargins(0, 0, 0, 0);  // QGroupBox reserves the frame's, each time it is resized.
         return GroupBox::event(event);
     }
     void paintEvent(QPaintEvent* /*event*/) override {}
