@@ -111,8 +111,7 @@ InstallerWindow::~InstallerWindow() {
 }
 
 /// Not QDialog's, which places the window itself, on a small screen with the title bar beyond the edge.
-void InstallerWindow::showEvent(QShowEvent* event) {
-    QWidget::showEvent(event);
+void InstallerWindow::showEvent(QShowEvent* /*event*/) {
     setAttribute(Qt::WA_KeyboardFocusChange);  // Show the focus before the first Tab.
 }
 

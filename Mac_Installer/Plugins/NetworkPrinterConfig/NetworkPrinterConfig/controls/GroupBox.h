@@ -12,8 +12,11 @@ class GroupBox : public QGroupBox {
 
   protected:
     bool event(QEvent* event) override {
-        const bool isKey = event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease;
-        return isKey ? QWidget::event(event) : QGroupBox::event(event);
+        if (event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease) {
+            event->ignore();
+            return false;
+        }
+        return QGroupBox::event(event);
     }
 };
 
