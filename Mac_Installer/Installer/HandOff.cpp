@@ -48,8 +48,8 @@ QString HandOff::problem() const {
         return folderProblem_;
     }
     return QCoreApplication::translate("HandOff",
-                                       "The file %1 couldn't be updated. Check that it is writable, and that "
-                                       "its folder is writable and not "
-                                       "full; then go back and choose the printer again.")
+                                       "The file %1 couldn't be updated. Check that it and its folder are "
+                                       "writable and the disk is not full; then go back and choose the "
+                                       "printer again.")
         .arg(file.filePath());
 }

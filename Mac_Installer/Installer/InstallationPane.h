@@ -1,5 +1,6 @@
 // The page that runs the steps of the installation when it is entered forwards, and shows their progress.
-// They also run if no network printer was chosen, but not if the choice couldn't be saved.
+// They also run if no network printer was chosen, but not if the choice couldn't be
+// saved, or an earlier one couldn't be removed.
 //
 // Continue and Go Back are disabled meanwhile; after a failure, the user can also continue.
 

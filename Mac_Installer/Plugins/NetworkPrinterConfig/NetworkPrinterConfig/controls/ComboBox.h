@@ -1,5 +1,5 @@
-// A drop-down list of texts. Filling or emptying it does not emit selectionDidChange. Without focus the
-// closed list ignores the wheel, so that the page scrolls instead.
+// A drop-down list of texts. Filling or emptying it does not emit selectionDidChange. The closed list leaves
+// Return to the window, and without focus the wheel, so that the page scrolls instead.
 
 #pragma once
 
